@@ -1,0 +1,20 @@
+#pragma once
+
+#include "platform/files.h"
+
+namespace kestrune {
+
+// Files on the disk of this machine.
+class DiskFiles : public Files {
+public:
+    [[nodiscard]] std::string path(std::string_view folder, std::string_view name) const override;
+    [[nodiscard]] bool file_exists(const std::string& path) const override;
+    [[nodiscard]] bool folder_exists(const std::string& path) const override;
+    bool create_folder(const std::string& path) override;
+    [[nodiscard]] std::optional<std::vector<FileEntry>> list(const std::string& folder) const override;
+    [[nodiscard]] std::optional<std::string> read(const std::string& path) const override;
+    bool write(const std::string& path, std::string_view bytes) override;
+    bool remove(const std::string& path) override;
+};
+
+} // namespace kestrune

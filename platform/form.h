@@ -1,0 +1,56 @@
+#pragma once
+
+#include "platform/control.h"
+
+#include <functional>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace kestrune {
+
+// A modal dialog as data: rows of a label and a control, then a row of buttons. Whoever shows it (see
+// UserInterface::ShowModal) lays the rows out; the order is the one given here.
+class Form : public Observed {
+public:
+    struct Row {
+        std::string Label;           // as shown, colon included
+        Control* Field = nullptr;    // a TextBox, an OptionGroup or a Label; owned by the dialog's own class
+        std::string Group = {};      // rows in a run with the same non-empty group stand under it as a heading
+    };
+
+    Form(std::string name, std::string caption) : Name(std::move(name)), Caption(*this, std::move(caption)) {}
+
+    const std::string Name;
+    Property<std::string> Caption;
+    // Outer geometry in twips; the view keeps Left and Top and may enlarge Width and Height to fit the content.
+    Property<int> Left{*this};
+    Property<int> Top{*this};
+    Property<int> Width{*this};
+    Property<int> Height{*this};
+    // True while it is shown; setting it false ends ShowModal.
+    Property<bool> Visible{*this};
+
+    std::vector<Row> Rows;
+    std::vector<Button*> Buttons;     // left to right
+    Button* Default = nullptr;        // pressed by Enter, except in a multi-line text box
+    Button* Cancel = nullptr;         // pressed by Esc and by the close box; without one neither does anything
+    Control* FirstFocus = nullptr;    // where the user types first
+
+    void Hide() { Visible = false; }
+
+    // The control of a row or the button with this name, or null.
+    [[nodiscard]] Control* find(std::string_view name) const {
+        for (const Row& row : Rows) {
+            if (row.Field != nullptr && row.Field->Name == name)
+                return row.Field;
+        }
+        for (Button* button : Buttons) {
+            if (button->Name == name)
+                return button;
+        }
+        return nullptr;
+    }
+};
+
+} // namespace kestrune
