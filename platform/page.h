@@ -22,6 +22,36 @@ struct PageLink {
     std::string innertext; // the engine's innerText, UTF-8
 };
 
+struct PageOption {
+    ElementRef ref;
+    std::string text; // as shown
+    std::string value;
+    bool selected = false;
+};
+
+// One element of a form.
+struct PageElement {
+    ElementRef ref;
+    // As the engine reports it ("text", "select-one", "textarea", "submit" ...); types that only say what kind of
+    // text is wanted (email, url, tel, number, search, dates) read "text".
+    std::string type;
+    std::string name;
+    std::string value; // a text area's line ends read CR LF, as they are posted
+    std::string src;   // as written in the page; of image buttons
+    bool checked = false;
+    std::vector<PageOption> options; // of lists
+};
+
+struct PageForm {
+    ElementRef ref;
+    std::string id;
+    // As written in the page, not resolved; "" without one. "[object]" when the form holds an input named
+    // "action", which hides the attribute from page code; `action_input` is then that input's value.
+    std::string action;
+    std::string action_input;
+    std::vector<PageElement> elements; // form.elements, in order
+};
+
 // A document as it stood when the image was taken. All text is UTF-8.
 struct PageDocument {
     DocumentId id;
@@ -31,6 +61,8 @@ struct PageDocument {
     // Scripts and comments count like any other text.
     std::vector<std::string> form_tags;
     std::vector<PageLink> links;      // document.links, in order; only when asked for
+    std::vector<PageForm> forms;      // document.forms, in order; only when asked for
+    std::vector<PageElement> inputs;  // every INPUT of the document, in document order; comes with the forms
     std::vector<PageDocument> frames; // document.frames, in order, of any origin; a frame that gave no answer in
                                       // time has an empty id and nothing else
 };
@@ -38,14 +70,22 @@ struct PageDocument {
 // What of a page an image is to hold besides what is always there. Each costs the page time.
 struct PageParts {
     bool links = false;
+    bool forms = false;
     friend bool operator==(const PageParts&, const PageParts&) = default;
 };
 
-// One change to a page, noted while its image is processed and sent back when the procedure ends.
+// One change to a page, noted while its image is processed and sent back when the procedure ends. After a write
+// the page side tells the page (input and change events).
 struct PageEdit {
-    enum class Kind : std::uint8_t { click };
+    enum class Kind : std::uint8_t {
+        click,  // of a link or a button
+        value,  // the element's value becomes `text`
+        check,  // the radio button or check box becomes checked
+        select, // the option becomes selected; ref is the option's
+    };
     Kind kind = Kind::click;
     ElementRef ref;
+    std::string text = {};
 };
 
 } // namespace kestrune
