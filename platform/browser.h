@@ -20,8 +20,8 @@ struct NavigateEvent {
     std::string headers;    // raw, lines ended by CR LF
 };
 
-// What a browser tells its window. Every call comes on the user-interface thread, in the order in which things
-// happened on the page (a frame completes before the document it lies in).
+// What a browser tells its window. Every call comes on the user-interface thread, in the order in which
+// things happened on the page (a frame completes before the document it lies in).
 class BrowserEvents {
 public:
     BrowserEvents() = default;
@@ -31,20 +31,22 @@ public:
     BrowserEvents(BrowserEvents&&) = delete;
     BrowserEvents& operator=(BrowserEvents&&) = delete;
 
-    // What the image that comes with the next DocumentComplete should hold; asked when a document has completed.
-    [[nodiscard]] virtual PageParts wanted_parts() const = 0;
+    // What the image that comes with the next DocumentComplete should hold; asked when a document has
+    // completed.
+    [[nodiscard]] virtual PageParts wanted_parts() = 0;
 
     // Before each navigation, of the top window or a frame, started by the page, the user or the program; not
     // for a server's redirect of a navigation already announced, nor for a jump within the page.
     virtual void BeforeNavigate2(NavigateEvent event) = 0;
 
-    // Once for each completed document: at its load event, or when its content stands and only stragglers have
-    // kept it waiting for the browser's straggler time, or when the user stopped the load. `image.id` is the
-    // document whose completion this is; `image.url` its address. A navigation that brings no document (a
+    // Once for each completed document: at its load event, or when its content stands and only stragglers
+    // have kept it waiting for the browser's straggler time, or when the user stopped the load. `image.id` is
+    // the document whose completion this is; `image.url` its address. A navigation that brings no document (a
     // download, an unreachable host) raises nothing.
     virtual void DocumentComplete(PageDocument image) = 0;
 
-    // A command's availability changed. Command 2 is navigating back; its state is announced once at the start.
+    // A command's availability changed. Command 2 is navigating back; its state is announced once at the
+    // start.
     virtual void CommandStateChange(int command, bool enable) = 0;
     static constexpr int navigate_back = 2;
 
@@ -63,8 +65,8 @@ public:
     Browser(Browser&&) = delete;
     Browser& operator=(Browser&&) = delete;
 
-    // Starts loading the address as a user would type it: without a scheme "http://" is meant. Text that is no
-    // address loads nothing and raises no event.
+    // Starts loading the address as a user would type it: without a scheme "http://" is meant. Text that is
+    // no address loads nothing and raises no event.
     virtual void Navigate(std::string_view url) = 0;
     // Nothing happens when there is no page to go back to.
     virtual void GoBack() = 0;
@@ -73,8 +75,8 @@ public:
     // Address of the page that is showing; "about:blank" before the first.
     [[nodiscard]] virtual std::string LocationURL() const = 0;
 
-    // The document as it is now, with its frames. Nothing when the document is gone or its page does not answer
-    // in time. May serve user-interface events while it waits.
+    // The document as it is now, with its frames. Nothing when the document is gone or its page does not
+    // answer in time. May serve user-interface events while it waits.
     virtual std::optional<PageDocument> take_image(const DocumentId& document, PageParts parts) = 0;
     // Carries edits out in order. Those addressed to a document that is gone are dropped.
     virtual void apply(const std::vector<PageEdit>& edits) = 0;

@@ -85,7 +85,8 @@ public:
 
 class Button : public Control {
 public:
-    Button(std::string name, std::string caption) : Control(std::move(name)), Caption(*this, std::move(caption)) {}
+    Button(std::string name, std::string caption)
+        : Control(std::move(name)), Caption(*this, std::move(caption)) {}
 
     Property<std::string> Caption;
     // What pressing the button does. Views call `press`, never this directly.
@@ -100,14 +101,16 @@ public:
 
 class Label : public Control {
 public:
-    Label(std::string name, std::string caption) : Control(std::move(name)), Caption(*this, std::move(caption)) {}
+    Label(std::string name, std::string caption)
+        : Control(std::move(name)), Caption(*this, std::move(caption)) {}
 
     Property<std::string> Caption;
 };
 
 class TextBox : public Control {
 public:
-    explicit TextBox(std::string name, bool multi_line = false) : Control(std::move(name)), MultiLine(multi_line) {}
+    explicit TextBox(std::string name, bool multi_line = false)
+        : Control(std::move(name)), MultiLine(multi_line) {}
 
     // UTF-8; what the user types arrives here as it is typed.
     Property<std::string> Text{*this};

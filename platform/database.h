@@ -35,8 +35,8 @@ public:
     [[nodiscard]] virtual bool at_end() const = 0;
     virtual void move_next() = 0;
 
-    // A column of the current row, named without regard to case; nothing for Null. Throws when the result has no
-    // such column or there is no current row.
+    // A column of the current row, named without regard to case; nothing for Null. Throws when the result has
+    // no such column or there is no current row.
     [[nodiscard]] virtual std::optional<std::string> text(std::string_view column) const = 0;
     [[nodiscard]] virtual std::optional<std::int64_t> number(std::string_view column) const = 0;
 
@@ -58,7 +58,8 @@ public:
 
     // Opens the database file at `path` (never creates one) and runs the select. Only statements of the known
     // shapes run (platform/statement.h). Throws DatabaseError.
-    [[nodiscard]] virtual std::unique_ptr<Recordset> open(const std::string& path, std::string_view statement) = 0;
+    [[nodiscard]] virtual std::unique_ptr<Recordset> open(const std::string& path,
+                                                          std::string_view statement) = 0;
 };
 
 } // namespace kestrune

@@ -31,12 +31,13 @@ public:
     [[nodiscard]] virtual bool folder_exists(const std::string& path) const = 0;
     // Creates one folder (its parent exists), open to its owner only. False when it could not.
     virtual bool create_folder(const std::string& path) = 0;
-    // The files (not folders) in a folder, in the order the file system lists them; nothing when it cannot be read.
+    // The files (not folders) in a folder, in the order the file system lists them; nothing when it cannot be
+    // read.
     [[nodiscard]] virtual std::optional<std::vector<FileEntry>> list(const std::string& folder) const = 0;
     // All bytes of a file; nothing when it cannot be read.
     [[nodiscard]] virtual std::optional<std::string> read(const std::string& path) const = 0;
-    // Replaces or creates a file, readable by its owner only. It reaches the disk whole or not at all; false in
-    // the latter case, and an earlier file of that name is then unchanged.
+    // Replaces or creates a file, readable by its owner only. It reaches the disk whole or not at all; false
+    // in the latter case, and an earlier file of that name is then unchanged.
     virtual bool write(const std::string& path, std::string_view bytes) = 0;
     virtual bool remove(const std::string& path) = 0;
 };

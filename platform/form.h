@@ -14,16 +14,17 @@ namespace kestrune {
 class Form : public Observed {
 public:
     struct Row {
-        std::string Label;           // as shown, colon included
-        Control* Field = nullptr;    // a TextBox, an OptionGroup or a Label; owned by the dialog's own class
-        std::string Group = {};      // rows in a run with the same non-empty group stand under it as a heading
+        std::string Label;        // as shown, colon included
+        Control* Field = nullptr; // a TextBox, an OptionGroup or a Label; owned by the dialog's own class
+        std::string Group = {};   // rows in a run with the same non-empty group stand under it as a heading
     };
 
     Form(std::string name, std::string caption) : Name(std::move(name)), Caption(*this, std::move(caption)) {}
 
     const std::string Name;
     Property<std::string> Caption;
-    // Outer geometry in twips; the view keeps Left and Top and may enlarge Width and Height to fit the content.
+    // Outer geometry in twips; the view keeps Left and Top and may enlarge Width and Height to fit the
+    // content.
     Property<int> Left{*this};
     Property<int> Top{*this};
     Property<int> Width{*this};
@@ -32,10 +33,10 @@ public:
     Property<bool> Visible{*this};
 
     std::vector<Row> Rows;
-    std::vector<Button*> Buttons;     // left to right
-    Button* Default = nullptr;        // pressed by Enter, except in a multi-line text box
-    Button* Cancel = nullptr;         // pressed by Esc and by the close box; without one neither does anything
-    Control* FirstFocus = nullptr;    // where the user types first
+    std::vector<Button*> Buttons;  // left to right
+    Button* Default = nullptr;     // pressed by Enter, except in a multi-line text box
+    Button* Cancel = nullptr;      // pressed by Esc and by the close box; without one neither does anything
+    Control* FirstFocus = nullptr; // where the user types first
 
     void Hide() { Visible = false; }
 

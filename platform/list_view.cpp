@@ -114,7 +114,8 @@ bool ListView::set_all_sub_items(std::string_view sub_item_key, std::string_view
 
 std::string_view ListView::sub_item(const ListItem& item, std::string_view sub_item_key) const {
     const auto column = column_of(sub_item_key);
-    return column && *column < item.SubItems.size() ? std::string_view{item.SubItems[*column]} : std::string_view{};
+    return column && *column < item.SubItems.size() ? std::string_view{item.SubItems[*column]}
+                                                    : std::string_view{};
 }
 
 bool ListView::select(std::string_view key) {
@@ -184,7 +185,8 @@ void ListView::sort_now() {
     std::stable_sort(keyed.begin(), keyed.end(), [ascending](const auto& left, const auto& right) {
         return ascending ? left.first < right.first : right.first < left.first;
     });
-    std::transform(keyed.begin(), keyed.end(), order_.begin(), [](const auto& entry) { return entry.second; });
+    std::transform(keyed.begin(), keyed.end(), order_.begin(),
+                   [](const auto& entry) { return entry.second; });
 }
 
 void ListView::announce_change(const ListItem* item) {

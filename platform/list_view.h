@@ -68,8 +68,8 @@ public:
     bool add(ListItem item);
     bool remove(std::string_view key);
     void clear();
-    // The following three do nothing and return false when no entry has the key (or no sub-item has that key).
-    // A changed entry keeps its place until the list is sorted again.
+    // The following three do nothing and return false when no entry has the key (or no sub-item has that
+    // key). A changed entry keeps its place until the list is sorted again.
     bool set_text(std::string_view key, std::string text);
     bool set_sub_item(std::string_view key, std::string_view sub_item_key, std::string text);
     // Sets one sub-item of every entry.
@@ -83,12 +83,18 @@ public:
     bool select(std::string_view key);
     void select_none();
 
-    // Sorts by the column (0-based; 0 is the entry's text) and keeps sorting from now on. Entries that compare
-    // equal keep the order they had.
+    // Sorts by the column (0-based; 0 is the entry's text) and keeps sorting from now on. Entries that
+    // compare equal keep the order they had.
     void sort(int column, Order order);
     [[nodiscard]] bool Sorted() const { return sorted_; }
     [[nodiscard]] int SortKey() const { return sort_key_; }
     [[nodiscard]] Order SortOrder() const { return sort_order_; }
+
+    // The order from which the first flip starts; does not sort.
+    void set_sort_order(Order order) { sort_order_ = order; }
+
+    // What a click on a column header does; headers are numbered from 1. Null where clicking does nothing.
+    std::function<void(int header)> ColumnClick;
 
     void observe(ListViewObserver* observer) { observer_ = observer; }
 

@@ -11,7 +11,8 @@ namespace kestrune {
 // reload makes a new one. Opaque; empty names none.
 using DocumentId = std::string;
 
-// One element of one image of a document, as the page side knows it. Never reused for another element.
+// One element of a document, as the page side knows it: the same element has the same number in every image
+// of the document, and no other element ever gets it.
 struct ElementRef {
     DocumentId document;
     std::uint32_t element = 0;
@@ -32,8 +33,8 @@ struct PageOption {
 // One element of a form.
 struct PageElement {
     ElementRef ref;
-    // As the engine reports it ("text", "select-one", "textarea", "submit" ...); types that only say what kind of
-    // text is wanted (email, url, tel, number, search, dates) read "text".
+    // As the engine reports it ("text", "select-one", "textarea", "submit" ...); types that only say what
+    // kind of text is wanted (email, url, tel, number, search, dates) read "text".
     std::string type;
     std::string name;
     std::string value; // a text area's line ends read CR LF, as they are posted
@@ -52,21 +53,6 @@ struct PageForm {
     std::vector<PageElement> elements; // form.elements, in order
 };
 
-// A document as it stood when the image was taken. All text is UTF-8.
-struct PageDocument {
-    DocumentId id;
-    std::string url;
-    // Where "<form " occurs in documentElement.innerHTML, letter case ignored: the text from there through the
-    // next ">", one entry for each, in order; the search goes on after that ">" and ends at a hit without one.
-    // Scripts and comments count like any other text.
-    std::vector<std::string> form_tags;
-    std::vector<PageLink> links;      // document.links, in order; only when asked for
-    std::vector<PageForm> forms;      // document.forms, in order; only when asked for
-    std::vector<PageElement> inputs;  // every INPUT of the document, in document order; comes with the forms
-    std::vector<PageDocument> frames; // document.frames, in order, of any origin; a frame that gave no answer in
-                                      // time has an empty id and nothing else
-};
-
 // What of a page an image is to hold besides what is always there. Each costs the page time.
 struct PageParts {
     bool links = false;
@@ -74,8 +60,24 @@ struct PageParts {
     friend bool operator==(const PageParts&, const PageParts&) = default;
 };
 
-// One change to a page, noted while its image is processed and sent back when the procedure ends. After a write
-// the page side tells the page (input and change events).
+// A document as it stood when the image was taken. All text is UTF-8.
+struct PageDocument {
+    DocumentId id;
+    std::string url;
+    PageParts parts; // what this image holds besides
+    // Where "<form " occurs in documentElement.innerHTML, letter case ignored: the text from there through
+    // the next ">", one entry for each, in order; the search goes on after that ">" and ends at a hit without
+    // one. Scripts and comments count like any other text.
+    std::vector<std::string> form_tags;
+    std::vector<PageLink> links;      // document.links, in order; only when asked for
+    std::vector<PageForm> forms;      // document.forms, in order; only when asked for
+    std::vector<PageElement> inputs;  // every INPUT of the document, in document order; comes with the forms
+    std::vector<PageDocument> frames; // document.frames, in order, of any origin; a frame that gave no answer
+                                      // in time has an empty id and nothing else
+};
+
+// One change to a page, noted while its image is processed and sent back when the procedure ends. After a
+// write the page side tells the page (input and change events).
 struct PageEdit {
     enum class Kind : std::uint8_t {
         click,  // of a link or a button

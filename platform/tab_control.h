@@ -18,7 +18,8 @@ public:
         ListView* List; // owned by the window
     };
 
-    TabControl(std::string name, std::vector<Page> pages) : Control(std::move(name)), Pages(std::move(pages)) {}
+    TabControl(std::string name, std::vector<Page> pages)
+        : Control(std::move(name)), Pages(std::move(pages)) {}
 
     const std::vector<Page> Pages;
     Property<int> TabHeight{*this, 300}; // height of the tab strip, twips

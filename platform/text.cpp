@@ -104,8 +104,9 @@ bool equal_ignoring_case(std::string_view left, std::string_view right) {
 std::size_t find_ignoring_ascii_case(std::string_view text, std::string_view what, std::size_t from) {
     if (from > text.size())
         return std::string_view::npos;
-    const auto found = std::search(text.begin() + static_cast<std::ptrdiff_t>(from), text.end(), what.begin(),
-                                   what.end(), [](char a, char b) { return lower_ascii(a) == lower_ascii(b); });
+    const auto found =
+        std::search(text.begin() + static_cast<std::ptrdiff_t>(from), text.end(), what.begin(), what.end(),
+                    [](char a, char b) { return lower_ascii(a) == lower_ascii(b); });
     if (found == text.end() && !what.empty())
         return std::string_view::npos;
     return static_cast<std::size_t>(found - text.begin());

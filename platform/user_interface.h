@@ -33,8 +33,8 @@ public:
     // The title of a message box that is given no other.
     static constexpr std::string_view default_title = "Kestrune";
 
-    // Asks or tells, modally, and returns the button pressed; events are served meanwhile. A Yes/No question can
-    // only be answered by its buttons; Esc and the close box answer an OK/Cancel question with Cancel.
+    // Asks or tells, modally, and returns the button pressed; events are served meanwhile. A Yes/No question
+    // can only be answered by its buttons; Esc and the close box answer an OK/Cancel question with Cancel.
     virtual Answer MessageBox(std::string_view text, Buttons buttons, std::string_view title) = 0;
     Answer MessageBox(std::string_view text, Buttons buttons = Buttons::Ok) {
         return MessageBox(text, buttons, default_title);
@@ -48,8 +48,8 @@ public:
 
     [[nodiscard]] virtual ScreenSize screen() const = 0;
 
-    // Makes the real window that mirrors `form`, still hidden, with an embedded browser in its BrowserPlace that
-    // reports to `events`. The real window lives as long as the browser; both arguments outlive it.
+    // Makes the real window that mirrors `form`, still hidden, with an embedded browser in its BrowserPlace
+    // that reports to `events`. The real window lives as long as the browser; both arguments outlive it.
     virtual std::unique_ptr<Browser> open_window(WindowForm& form, BrowserEvents& events) = 0;
 
     // Serves pending events during long work.

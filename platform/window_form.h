@@ -25,8 +25,8 @@ public:
 
     const std::string Name;
     Property<std::string> Caption{*this};
-    // Outer place and size in twips. The view keeps them true to the real window and calls `Resize` after each
-    // change of the size; setting them from code moves and sizes the real window.
+    // Outer place and size in twips. The view keeps them true to the real window and calls `Resize` after
+    // each change of the size; setting them from code moves and sizes the real window.
     Property<int> Left{*this};
     Property<int> Top{*this};
     Property<int> Width{*this};
@@ -34,14 +34,15 @@ public:
     Property<bool> Visible{*this};
     Property<bool> Minimised{*this};
 
-    // What the outer size has over the inner area, in twips: borders across; title, menu bar and borders down.
-    // Platforms differ and some have no frame at all, so the layout takes this one fixed difference everywhere.
+    // What the outer size has over the inner area, in twips: borders across; title, menu bar and borders
+    // down. Platforms differ and some have no frame at all, so the layout takes this one fixed difference
+    // everywhere.
     static constexpr int frame_width = 120;
     static constexpr int frame_height = 870;
 
     std::vector<MenuItem*> MenuBar;
-    std::vector<Control*> Controls;  // children of the inner area in stacking order, lowest first
-    std::vector<Control*> TabOrder;  // in the order in which the Tab key walks them
+    std::vector<Control*> Controls; // children of the inner area in stacking order, lowest first
+    std::vector<Control*> TabOrder; // in the order in which the Tab key walks them
     std::vector<Timer*> Timers;
     std::vector<Shortcut> Shortcuts;
 

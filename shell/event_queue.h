@@ -7,8 +7,8 @@
 namespace kestrune {
 
 // Runs the handlers of one window one at a time. What arrives while a handler runs (a question it asks serves
-// events meanwhile) waits and is run, in order, when that handler has returned. An exception ends its handler,
-// silently but for the diagnostic channel; the next one runs all the same.
+// events meanwhile) waits and is run, in order, when that handler has returned. An exception ends its
+// handler, silently but for the diagnostic channel; the next one runs all the same.
 class EventQueue {
 public:
     using Handler = std::function<void()>;

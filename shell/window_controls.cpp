@@ -16,8 +16,9 @@ const std::vector<std::string> site_keys{"url", "Status", "Category", "Comment"}
 
 Switches::Switches() {
     mnuFile.Items = {&mnuSetting, &mnuExit};
-    mnuPAD.Items = {&mnuWithPAD,         &mnuNoPAD,          &mnuSep2a,          &mnuSelectGeneral, &mnuSelectGame,
-                    &mnuSelectDeveloper, &mnuSelectBusiness, &mnuSelectFreeware, &mnuSelectSpecial};
+    mnuPAD.Items = {&mnuWithPAD,        &mnuNoPAD,          &mnuSep2a,
+                    &mnuSelectGeneral,  &mnuSelectGame,     &mnuSelectDeveloper,
+                    &mnuSelectBusiness, &mnuSelectFreeware, &mnuSelectSpecial};
     mnuView.Items = {&mnuHideRecord, &mnuAutoHide};
     mnuPlayback.Items = {&mnuPromptFill, &mnuPlaybackSep1, &mnuManualClick, &mnuAutoClick, &mnuNoFill};
     mnuRecord.Items = {&mnuAutoRecord};
@@ -25,21 +26,25 @@ Switches::Switches() {
     mnuHelp.Items = {&mnuWebsite, &mnuAbout};
     for (MenuItem* item :
          {&mnuWithPAD, &mnuNoPAD, &mnuSelectGeneral, &mnuSelectGame, &mnuSelectDeveloper, &mnuSelectBusiness,
-          &mnuSelectFreeware, &mnuSelectSpecial, &mnuHideRecord, &mnuAutoHide, &mnuPromptFill, &mnuManualClick,
-          &mnuAutoClick, &mnuNoFill, &mnuAutoRecord, &mnuBlock})
+          &mnuSelectFreeware, &mnuSelectSpecial, &mnuHideRecord, &mnuAutoHide, &mnuPromptFill,
+          &mnuManualClick, &mnuAutoClick, &mnuNoFill, &mnuAutoRecord, &mnuBlock})
         item->IsSwitch = true;
     mnuAbout.Shortcut = "F1";
 }
 
 WindowControls::WindowControls()
-    : lvwPermanent("lvwPermanent", record_keys), ListView1("ListView1", record_keys), lvwPAD("lvwPAD", site_keys),
-      lvwNonPad("lvwNonPad", site_keys), SSTab1("SSTab1", {{"Permanent Record", &lvwPermanent},
-                                                           {"Temporary Record", &ListView1},
-                                                           {"PAD Record", &lvwPAD},
-                                                           {"NON-PAD Record", &lvwNonPad}}) {
+    : lvwPermanent("lvwPermanent", record_keys), ListView1("ListView1", record_keys),
+      lvwPAD("lvwPAD", site_keys), lvwNonPad("lvwNonPad", site_keys),
+      SSTab1("SSTab1", {{"Permanent Record", &lvwPermanent},
+                        {"Temporary Record", &ListView1},
+                        {"PAD Record", &lvwPAD},
+                        {"NON-PAD Record", &lvwNonPad}}) {
     place_controls();
     order_controls();
     Timer1.Interval = 1000;
+    // Every sort flips the order, so the first one a user sees is ascending.
+    for (ListView* list : {&lvwPermanent, &ListView1, &lvwPAD, &lvwNonPad})
+        list->set_sort_order(ListView::Order::descending);
     form.Caption = "Kestrune v1.0 - Shareware/Freeware program submission Assistant";
     form.Width = designed_width + WindowForm::frame_width;
     form.Height = designed_height + WindowForm::frame_height;
@@ -82,8 +87,8 @@ void WindowControls::order_controls() {
                      &cmdPrompt, &cmdAutoClick, &txtUrl,        &txtDesc,   &wbMyBrowser,
                      &SSTab1,    &lvwPermanent, &ListView1,     &lvwPAD,    &lvwNonPad,
                      &cmdEdit,   &cmdDelete,    &cmdSave,       &cmdGoto,   &cmdReset};
-    form.MenuBar = {&mnuFile, &mnuPAD,   &mnuView, &mnuPlayback, &mnuRecord,
-                    &mnuPopup, &mnuHelp, &mnuRightClickMenu};
+    form.MenuBar = {&mnuFile,   &mnuPAD,   &mnuView, &mnuPlayback,
+                    &mnuRecord, &mnuPopup, &mnuHelp, &mnuRightClickMenu};
 
     txtUrl.AccessibleName = "Address of the site";
     txtDesc.AccessibleName = "Description of the site";

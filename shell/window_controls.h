@@ -8,8 +8,8 @@
 
 namespace kestrune {
 
-// The menu bar of a window. The checked states are the program's only settings: whoever needs an option reads it
-// here when it needs it, and nothing is saved between runs.
+// The menu bar of a window. The checked states are the program's only settings: whoever needs an option reads
+// it here when it needs it, and nothing is saved between runs.
 struct Switches {
     MenuItem mnuFile{"mnuFile", "File"};
     MenuItem mnuSetting{"mnuSetting", "Setting"};

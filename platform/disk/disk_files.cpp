@@ -94,7 +94,9 @@ bool DiskFiles::folder_exists(const std::string& path) const {
     return found && S_ISDIR(found->st_mode);
 }
 
-bool DiskFiles::create_folder(const std::string& path) { return ::mkdir(path.c_str(), owner_only_folder) == 0; }
+bool DiskFiles::create_folder(const std::string& path) {
+    return ::mkdir(path.c_str(), owner_only_folder) == 0;
+}
 
 std::optional<std::vector<FileEntry>> DiskFiles::list(const std::string& folder) const {
     const std::unique_ptr<DIR, int (*)(DIR*)> entries(::opendir(folder.c_str()), ::closedir);

@@ -16,8 +16,13 @@ PageDocument* find_in(PageDocument& document, const DocumentId& id) {
 }
 
 void keep_wanted(PageDocument& document, PageParts parts) {
+    document.parts = parts;
     if (!parts.links)
         document.links.clear();
+    if (!parts.forms) {
+        document.forms.clear();
+        document.inputs.clear();
+    }
     for (PageDocument& frame : document.frames)
         keep_wanted(frame, parts);
 }

@@ -11,8 +11,8 @@
 
 namespace kestrune {
 
-// A browser whose pages are written by the test. Each document is a PageDocument; loading one raises the events
-// that the engine would raise.
+// A browser whose pages are written by the test. Each document is a PageDocument; loading one raises the
+// events that the engine would raise.
 class MemoryBrowser : public Browser {
 public:
     MemoryBrowser(WindowForm& form, BrowserEvents& events);
@@ -30,8 +30,8 @@ public:
     std::optional<PageDocument> take_image(const DocumentId& document, PageParts parts) override;
     void apply(const std::vector<PageEdit>& edits) override;
 
-    // What the page at an address is; used by `arrive`. An address without a page arrives as an empty document.
-    // Ids are given on arrival where the page has none.
+    // What the page at an address is; used by `arrive`. An address without a page arrives as an empty
+    // document. Ids are given on arrival where the page has none.
     std::map<std::string, PageDocument> pages;
     // What clicking a link does, by the link's text; by default nothing.
     std::function<void(const PageLink&)> on_click;

@@ -28,7 +28,8 @@ Answer MemoryUserInterface::MessageBox(std::string_view text, Buttons buttons, s
     const Box box = std::move(boxes_.front());
     boxes_.pop_front();
     if (box.text != text)
-        failures.push_back("message box \"" + std::string(text) + "\" where \"" + box.text + "\" was expected");
+        failures.push_back("message box \"" + std::string(text) + "\" where \"" + box.text +
+                           "\" was expected");
     if (box.meanwhile)
         box.meanwhile();
     return box.answer;

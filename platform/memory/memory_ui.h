@@ -12,8 +12,8 @@
 
 namespace kestrune {
 
-// A desktop without a screen. Questions and dialogs are answered from a script that the test writes beforehand;
-// one that nobody expected is noted as a failure and answered in the way that changes least.
+// A desktop without a screen. Questions and dialogs are answered from a script that the test writes
+// beforehand; one that nobody expected is noted as a failure and answered in the way that changes least.
 class MemoryUserInterface : public UserInterface {
 public:
     struct Asked {

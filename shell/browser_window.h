@@ -1,0 +1,152 @@
+#pragma once
+
+#include "filling/page_processing.h"
+#include "filling/page_state.h"
+#include "platform/browser.h"
+#include "platform/user_interface.h"
+#include "sessions/record_list.h"
+#include "shell/event_queue.h"
+#include "shell/program.h"
+#include "shell/window_controls.h"
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+
+namespace kestrune {
+
+// A browser window: the first one, or a pop-up stacked on its opener. It holds its controls, its lists and
+// its state; its procedures stand in a file for each topic. They run one at a time on the user-interface
+// thread.
+class BrowserWindow : public WindowControls, public PageState, public RecordCounters, private BrowserEvents {
+public:
+    // objParentForm: the window that opened this one, null for the first; it outlives this one.
+    BrowserWindow(Program& program, BrowserWindow* opener);
+    ~BrowserWindow() override;
+    BrowserWindow(const BrowserWindow&) = delete;
+    BrowserWindow& operator=(const BrowserWindow&) = delete;
+    BrowserWindow(BrowserWindow&&) = delete;
+    BrowserWindow& operator=(BrowserWindow&&) = delete;
+
+    BrowserWindow* const objParentForm;
+    BrowserWindow* objMeForm = nullptr;
+    bool bFirstFlag = false;
+    std::int32_t glngPopupLevel = 0;
+    std::int32_t lngBlockedPopups = 0;
+    bool gbGobackFlag = false;
+    bool gbRightClickDone = false;
+    bool bBackEnabled = false; // the browser has a page to go back to
+    std::string gstrSessionPath;
+    int glngCurTab = 0; // 0 permanent, 1 temporary, 2 PAD, 3 NON-PAD
+    std::int32_t lngCurPadKey = 0;
+
+    // Start-up and shut-down (start_up.cpp)
+    void Form_Load();
+    void Form_QueryUnload();
+    void Form_Unload();
+    void Unload(); // the two above, in order
+    void mnuExit_Click();
+    void CallLoadPermanentRecord();
+    void CopyMenuStateFromParent();
+    void CopyMenuStateToParent();
+
+    // Layout (layout.cpp)
+    void Form_Resize();
+
+    // Navigation (navigation.cpp)
+    void OpenSiteForPlayback(std::string_view url, std::string_view description);
+    void cmdGoto_Click();
+    void cmdBack_Click();
+    void mnuWebsite_Click();
+    void Timer1_Timer();
+    void reload();
+    void stop();
+    // Asks for an address and opens it as ordinary browsing: not as a site being played.
+    void open_address();
+    void mnuAbout_Click();
+
+    // Switches (switches.cpp)
+    void mnuWithPAD_Click();
+    void mnuNoPAD_Click();
+    void mnuPromptFill_Click();
+    void mnuManualClick_Click();
+    void mnuAutoClick_Click();
+    void mnuNoFill_Click();
+    void mnuAutoRecord_Click();
+    void mnuBlock_Click();
+    void mnuSelectGeneral_Click();
+    void mnuSelectGame_Click();
+    void mnuSelectDeveloper_Click();
+    void mnuSelectBusiness_Click();
+    void mnuSelectFreeware_Click();
+    void mnuSelectSpecial_Click();
+    void cmdRecord_Click();
+    void cmdPrompt_Click();
+    void cmdAutoClick_Click();
+
+    // Record lists panel (record_panel.cpp)
+    [[nodiscard]] ListView* CurrentRecordList();
+    void SSTab1_Click();
+    void SortPermanentList(int column);
+    void SortPadList(int column);
+    void SortNonPadList(int column);
+    void mnuHideRecord_Click();
+    void cmdHideRecord_Click();
+    void mnuAutoHide_Click();
+    void cmdAutoHide_Click();
+    void AutoHideRecordPanel();
+
+    // Records and sites (records.cpp)
+    void mnuSetting_Click();
+    void cmdEdit_Click();
+    void cmdDelete_Click();
+    void cmdSave_Click();
+    void cmdReset_Click();
+    void cmdPlayback_Click();
+
+    // Pop-up windows (popups.cpp)
+    BrowserWindow& OpenPopupWindow();
+
+    [[nodiscard]] Browser& browser() { return *browser_; }
+    [[nodiscard]] bool busy() const { return events_.busy(); }
+
+private:
+    // BrowserEvents
+    [[nodiscard]] PageParts wanted_parts() override;
+    void BeforeNavigate2(NavigateEvent event) override;
+    void DocumentComplete(PageDocument image) override;
+    void CommandStateChange(int command, bool enable) override;
+    Browser* NewWindow2() override;
+
+    using Procedure = void (BrowserWindow::*)();
+    void wire();
+    void wire_menus();
+    void wire_keys();
+    // What a control calls: the procedure, in its turn behind whatever runs now.
+    [[nodiscard]] std::function<void()> in_turn(Procedure procedure);
+    void navigate(std::string_view url);
+    void on_command_state(int command, bool enable);
+    void show_panel();
+    void hide_panel();
+    [[nodiscard]] PageProcessing page_processing();
+    void load_lists();
+    bool may_open_popup();
+
+    Program& program_;
+    EventQueue events_;
+    // Counts the navigations of the top window: a completion that waited in the queue while the page was left
+    // is dropped.
+    std::uint64_t visit_ = 0;
+    std::unique_ptr<Browser> browser_;
+};
+
+// Puts a dialog or window of the given size in the middle of the screen. Twips.
+template <typename AnyForm>
+void CenterForm(AnyForm& form, ScreenSize screen) {
+    form.Left = (screen.Width - form.Width) / 2;
+    form.Top = (screen.Height - form.Height) / 2;
+}
+
+} // namespace kestrune

@@ -1,0 +1,46 @@
+#include "shell/dialogs.h"
+
+#include "shell/version.h"
+
+namespace kestrune {
+namespace {
+
+constexpr int about_width = 6600;
+constexpr int about_height = 3600;
+constexpr int open_address_width = 9000;
+constexpr int open_address_height = 1800;
+
+} // namespace
+
+FrmAbout::FrmAbout(const std::string& engine) : Form("frmAbout", "About Kestrune") {
+    lblVersion.Caption =
+        "Kestrune " + std::string(program_version) + "\nSubmits your program to many download sites.";
+    lblEngine.Caption = engine;
+    lblLicence.Caption = "Free software under the MIT licence, without any warranty.";
+    Width = about_width;
+    Height = about_height;
+    Rows = {{"Version:", &lblVersion}, {"Browser engine:", &lblEngine}, {"Licence:", &lblLicence}};
+    Buttons = {&cmdOK};
+    Default = &cmdOK;
+    Cancel = &cmdOK;
+    FirstFocus = &cmdOK;
+    cmdOK.Click = [this] { Hide(); };
+}
+
+FrmOpenAddress::FrmOpenAddress(const std::string& address) : Form("frmOpenAddress", "Open address") {
+    txtAddress.Text = address;
+    Width = open_address_width;
+    Height = open_address_height;
+    Rows = {{"Address:", &txtAddress}};
+    Buttons = {&cmdOpen, &cmdCancel};
+    Default = &cmdOpen;
+    Cancel = &cmdCancel;
+    FirstFocus = &txtAddress;
+    cmdOpen.Click = [this] {
+        bSaved = true;
+        Hide();
+    };
+    cmdCancel.Click = [this] { Hide(); };
+}
+
+} // namespace kestrune

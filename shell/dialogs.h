@@ -1,0 +1,36 @@
+#pragma once
+
+#include "platform/control.h"
+#include "platform/form.h"
+
+#include <string>
+
+namespace kestrune {
+
+// Help, "About": version, engine and licence.
+class FrmAbout : public Form {
+public:
+    // engine: the engine's description, one or more lines.
+    explicit FrmAbout(const std::string& engine);
+
+private:
+    Label lblVersion{"lblVersion", ""};
+    Label lblEngine{"lblEngine", ""};
+    Label lblLicence{"lblLicence", ""};
+    Button cmdOK{"cmdOK", "OK"};
+};
+
+// Asks for an address to browse to. `bSaved` tells whether the user confirmed it.
+class FrmOpenAddress : public Form {
+public:
+    explicit FrmOpenAddress(const std::string& address);
+
+    TextBox txtAddress{"txtAddress"};
+    bool bSaved = false;
+
+private:
+    Button cmdOpen{"cmdOpen", "Open"};
+    Button cmdCancel{"cmdCancel", "Cancel"};
+};
+
+} // namespace kestrune

@@ -1,0 +1,39 @@
+#include "shell/program.h"
+
+#include "shell/browser_window.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace kestrune {
+
+Program::Program(UserInterface& ui, Files& files, Database& database, std::string folder)
+    : ui_(ui), files_(files), folder_(std::move(folder)), library_(database, files, folder_) {}
+
+Program::~Program() {
+    // Pop-ups refer to their openers, so the newest goes first.
+    while (!windows_.empty())
+        windows_.pop_back();
+}
+
+BrowserWindow& Program::start() {
+    BrowserWindow& window = new_window(nullptr);
+    window.form.Visible = true;
+    return window;
+}
+
+BrowserWindow& Program::new_window(BrowserWindow* opener) {
+    BrowserWindow& window = *windows_.emplace_back(std::make_unique<BrowserWindow>(*this, opener));
+    window.Form_Load();
+    return window;
+}
+
+void Program::destroy_later(const BrowserWindow& window) {
+    ui_.call_later([this, gone = &window] {
+        std::erase_if(windows_, [gone](const auto& candidate) { return candidate.get() == gone; });
+    });
+}
+
+void Program::end() { ui_.EndProgram(); }
+
+} // namespace kestrune

@@ -1,0 +1,51 @@
+#pragma once
+
+#include "library/site_library.h"
+#include "platform/database.h"
+#include "platform/files.h"
+#include "platform/user_interface.h"
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace kestrune {
+
+class BrowserWindow;
+
+// The running program: what its windows share, and the windows themselves.
+class Program {
+public:
+    // folder is the program's own: the library lies in it and the session folder below it. The services
+    // outlive the program.
+    Program(UserInterface& ui, Files& files, Database& database, std::string folder);
+    ~Program();
+    Program(const Program&) = delete;
+    Program& operator=(const Program&) = delete;
+    Program(Program&&) = delete;
+    Program& operator=(Program&&) = delete;
+
+    // Loads the first window and shows it.
+    BrowserWindow& start();
+    // Makes a window, loads it and leaves it hidden.
+    BrowserWindow& new_window(BrowserWindow* opener);
+    // A window has unloaded: it is destroyed once no handler of it is on the stack.
+    void destroy_later(const BrowserWindow& window);
+    // Every window goes, and the program with them.
+    void end();
+
+    [[nodiscard]] UserInterface& ui() const { return ui_; }
+    [[nodiscard]] Files& files() const { return files_; }
+    [[nodiscard]] SiteLibrary& library() { return library_; }
+    [[nodiscard]] const std::string& folder() const { return folder_; }
+    [[nodiscard]] const std::vector<std::unique_ptr<BrowserWindow>>& windows() const { return windows_; }
+
+private:
+    UserInterface& ui_;
+    Files& files_;
+    std::string folder_;
+    SiteLibrary library_;
+    std::vector<std::unique_ptr<BrowserWindow>> windows_;
+};
+
+} // namespace kestrune

@@ -1,0 +1,82 @@
+#include "shell/browser_window.h"
+
+namespace kestrune {
+
+void BrowserWindow::Form_Load() {
+    gbGobackFlag = false;
+    objMeForm = this;
+    if (objParentForm == nullptr) {
+        glngPopupLevel = 0;
+        form.Caption = "Kestrune V1.0 (First Window)";
+        // The browser has no page to go back to yet. A pop-up's button stays enabled: it closes the pop-up.
+        cmdBack.Enabled = false;
+    } else {
+        AutoHideRecordPanel();
+    }
+    mnuRightClickMenu.Visible = false;
+    Timer1.Enabled = false;
+    CallLoadPermanentRecord();
+    bFirstFlag = true;
+    if (objParentForm != nullptr) {
+        CopyMenuStateFromParent();
+        objParentForm->form.Visible = false;
+    }
+    navigate("about:blank");
+}
+
+// A failure on the way leaves what was loaded until then; a window must open whatever its files hold.
+void BrowserWindow::CallLoadPermanentRecord() {
+    load_lists();
+    SortPermanentList(0);
+    gbRecordChanged = false;
+}
+
+// The menu title and one of its two entries, not the pair: a pop-up may thereby end with both or neither of
+// the pair checked.
+void BrowserWindow::CopyMenuStateFromParent() {
+    mnuPAD.Checked = objParentForm->mnuPAD.Checked.get();
+    mnuNoPAD.Checked = objParentForm->mnuNoPAD.Checked.get();
+}
+
+void BrowserWindow::CopyMenuStateToParent() {
+    objParentForm->mnuPAD.Checked = mnuPAD.Checked.get();
+    objParentForm->mnuNoPAD.Checked = mnuNoPAD.Checked.get();
+}
+
+void BrowserWindow::Form_QueryUnload() {
+    if (objParentForm == nullptr)
+        return;
+    objParentForm->form.Visible = true;
+    if (gbRecordChanged)
+        objParentForm->CallLoadPermanentRecord();
+    CopyMenuStateToParent();
+}
+
+void BrowserWindow::Form_Unload() {
+    events_.close();
+    if (objParentForm == nullptr) {
+        program_.end();
+        return;
+    }
+    form.Visible = false;
+    program_.destroy_later(*this);
+}
+
+void BrowserWindow::Unload() {
+    Form_QueryUnload();
+    Form_Unload();
+}
+
+void BrowserWindow::mnuExit_Click() {
+    if (ListView1.size() > 0) {
+        const Answer answer = program_.ui().MessageBox(
+            "You have temporary record not saved as permanent yet, do you really want to exit?",
+            Buttons::YesNo);
+        if (answer != Answer::Yes)
+            return;
+    }
+    Unload();
+    program_.end();
+}
+
+} // namespace kestrune
