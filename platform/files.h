@@ -40,6 +40,9 @@ public:
     // in the latter case, and an earlier file of that name is then unchanged.
     virtual bool write(const std::string& path, std::string_view bytes) = 0;
     virtual bool remove(const std::string& path) = 0;
+    // Gives a file another path on the same file system, replacing what is there. False, and nothing changed,
+    // when it could not.
+    virtual bool move(const std::string& from, const std::string& to) = 0;
 };
 
 } // namespace kestrune

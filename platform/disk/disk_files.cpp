@@ -147,4 +147,13 @@ bool DiskFiles::write(const std::string& path, std::string_view bytes) {
 
 bool DiskFiles::remove(const std::string& path) { return ::unlink(path.c_str()) == 0; }
 
+bool DiskFiles::move(const std::string& from, const std::string& to) {
+    if (::rename(from.c_str(), to.c_str()) != 0)
+        return false;
+    // The new place first: after a power cut the file is then in both places rather than in none.
+    flush_folder(folder_of(to));
+    flush_folder(folder_of(from));
+    return true;
+}
+
 } // namespace kestrune

@@ -15,6 +15,7 @@ public:
     [[nodiscard]] std::optional<std::string> read(const std::string& path) const override;
     bool write(const std::string& path, std::string_view bytes) override;
     bool remove(const std::string& path) override;
+    bool move(const std::string& from, const std::string& to) override;
 };
 
 } // namespace kestrune
