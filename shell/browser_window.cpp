@@ -1,14 +1,14 @@
 #include "shell/browser_window.h"
 
-#include "sessions/permanent_store.h"
-
 #include <utility>
 
 namespace kestrune {
 
 BrowserWindow::BrowserWindow(Program& program, BrowserWindow* opener)
     : objParentForm(opener), glngPopupLevel(opener == nullptr ? 0 : opener->glngPopupLevel + 1),
-      gstrSessionPath(program.files().path(program.folder(), "session")), program_(program) {
+      gstrSessionPath(program.record_files().gstrSessionPath()), program_(program),
+      store_({lvwPermanent, ListView1, lvwPAD, lvwNonPad, StatusBar1, *this}, program.record_files(),
+             program.library(), program.ui(), {}) {
     wire();
     browser_ = program_.ui().open_window(form, *this);
 }

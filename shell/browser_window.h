@@ -4,6 +4,7 @@
 #include "filling/page_state.h"
 #include "platform/browser.h"
 #include "platform/user_interface.h"
+#include "sessions/permanent_store.h"
 #include "sessions/record_list.h"
 #include "shell/event_queue.h"
 #include "shell/program.h"
@@ -38,7 +39,7 @@ public:
     bool gbGobackFlag = false;
     bool gbRightClickDone = false;
     bool bBackEnabled = false; // the browser has a page to go back to
-    std::string gstrSessionPath;
+    const std::string gstrSessionPath;
     int glngCurTab = 0; // 0 permanent, 1 temporary, 2 PAD, 3 NON-PAD
     std::int32_t lngCurPadKey = 0;
 
@@ -131,10 +132,10 @@ private:
     void show_panel();
     void hide_panel();
     [[nodiscard]] PageProcessing page_processing();
-    void load_lists();
     bool may_open_popup();
 
     Program& program_;
+    PermanentStore store_;
     EventQueue events_;
     // Counts the navigations of the top window: a completion that waited in the queue while the page was left
     // is dropped.

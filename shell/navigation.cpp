@@ -131,8 +131,10 @@ PageParts BrowserWindow::wanted_parts() { return kestrune::wanted_parts(page_pro
 
 void BrowserWindow::DocumentComplete(PageDocument image) {
     events_.handle([this, visit = visit_, image = std::move(image)]() mutable {
-        if (visit == visit_)
-            OnDocumentComplete(page_processing(), std::move(image));
+        if (visit != visit_)
+            return;
+        store_.wait_until_loaded();
+        OnDocumentComplete(page_processing(), std::move(image));
     });
 }
 

@@ -8,7 +8,8 @@
 namespace kestrune {
 
 Program::Program(UserInterface& ui, Files& files, Database& database, std::string folder)
-    : ui_(ui), files_(files), folder_(std::move(folder)), library_(database, files, folder_) {}
+    : ui_(ui), files_(files), folder_(std::move(folder)), library_(database, files, folder_),
+      record_files_(files, folder_) {}
 
 Program::~Program() {
     // Pop-ups refer to their openers, so the newest goes first.

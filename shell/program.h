@@ -4,6 +4,7 @@
 #include "platform/database.h"
 #include "platform/files.h"
 #include "platform/user_interface.h"
+#include "sessions/record_files.h"
 
 #include <memory>
 #include <string>
@@ -37,6 +38,7 @@ public:
     [[nodiscard]] UserInterface& ui() const { return ui_; }
     [[nodiscard]] Files& files() const { return files_; }
     [[nodiscard]] SiteLibrary& library() { return library_; }
+    [[nodiscard]] RecordFiles& record_files() { return record_files_; }
     [[nodiscard]] const std::string& folder() const { return folder_; }
     [[nodiscard]] const std::vector<std::unique_ptr<BrowserWindow>>& windows() const { return windows_; }
 
@@ -45,6 +47,7 @@ private:
     Files& files_;
     std::string folder_;
     SiteLibrary library_;
+    RecordFiles record_files_;
     std::vector<std::unique_ptr<BrowserWindow>> windows_;
 };
 

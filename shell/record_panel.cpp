@@ -20,6 +20,7 @@ void sort_and_flip(ListView& list, int column) {
 ListView* BrowserWindow::CurrentRecordList() {
     switch (glngCurTab) {
     case 0:
+        store_.wait_until_loaded();
         return &lvwPermanent;
     case 1:
         return &ListView1;
@@ -38,12 +39,14 @@ void BrowserWindow::SSTab1_Click() {
     cmdSave.Enabled = glngCurTab == 1;
     cmdGoto.Enabled = site_list;
     cmdReset.Enabled = site_list;
-    if (glngCurTab == 0)
+    if (glngCurTab == 0) {
+        store_.wait_until_loaded();
         StatusBar1.set_text(1, std::to_string(glngNoOfPermanentRecord) + " Permanent Records");
-    else if (glngCurTab == 2)
+    } else if (glngCurTab == 2) {
         StatusBar1.set_text(1, std::to_string(glngNoOfPadRecord) + " PAD Records");
-    else if (glngCurTab == 3)
+    } else if (glngCurTab == 3) {
         StatusBar1.set_text(1, std::to_string(glngNoOfNonPadRecord) + " NON-PAD Records");
+    }
 }
 
 void BrowserWindow::SortPermanentList(int column) { sort_and_flip(lvwPermanent, column); }

@@ -24,9 +24,8 @@ void BrowserWindow::Form_Load() {
     navigate("about:blank");
 }
 
-// A failure on the way leaves what was loaded until then; a window must open whatever its files hold.
 void BrowserWindow::CallLoadPermanentRecord() {
-    load_lists();
+    store_.LoadPermanentSession();
     SortPermanentList(0);
     gbRecordChanged = false;
 }

@@ -21,7 +21,7 @@ const std::array<std::string, 4> logic_rooms{"shell", "filling", "sessions", "li
 const std::array<std::string, 4> adapter_families{"qt", "sqlite", "disk", "memory"};
 
 struct Source {
-    std::string path; // relative to the source folder
+    std::string path;                 // relative to the source folder
     std::vector<std::string> own;     // files of ours that it includes
     std::vector<std::string> foreign; // what it includes in angle brackets
 };
@@ -80,7 +80,8 @@ TEST_F(Architecture, LogicIncludesNeitherQtNorSqlite) {
         if (!is_logic(source))
             continue;
         for (const std::string& header : source.foreign)
-            EXPECT_FALSE(std::regex_search(header, forbidden)) << source.path << " includes <" << header << ">";
+            EXPECT_FALSE(std::regex_search(header, forbidden))
+                << source.path << " includes <" << header << ">";
         for (const std::string& header : source.own) {
             const std::string family = room_of(header) == "platform" ? family_of(header) : "";
             EXPECT_TRUE(family.empty()) << source.path << " includes the adapter header " << header;
