@@ -1,0 +1,87 @@
+#include "platform/memory/memory_files.h"
+
+namespace kestrune {
+namespace {
+
+std::string folder_of(const std::string& path) {
+    const auto slash = path.find_last_of('/');
+    return slash == std::string::npos || slash == 0 ? "/" : path.substr(0, slash);
+}
+
+std::string name_of(const std::string& path) { return path.substr(path.find_last_of('/') + 1); }
+
+// "/a/" names the folder "/a".
+std::string without_slash(std::string path) {
+    while (path.size() > 1 && path.back() == '/')
+        path.pop_back();
+    return path;
+}
+
+} // namespace
+
+std::string MemoryFiles::path(std::string_view folder, std::string_view name) const {
+    std::string joined{folder};
+    if (joined.empty() || joined.back() != '/')
+        joined += '/';
+    return joined.append(name);
+}
+
+bool MemoryFiles::file_exists(const std::string& path) const { return files_.contains(path); }
+
+bool MemoryFiles::folder_exists(const std::string& path) const {
+    const std::string folder = without_slash(path);
+    return folder == "/" || folders_.contains(folder);
+}
+
+bool MemoryFiles::create_folder(const std::string& path) {
+    const std::string folder = without_slash(path);
+    if (folder_exists(folder) || file_exists(folder) || !may_create(folder))
+        return false;
+    folders_.insert(folder);
+    return true;
+}
+
+std::optional<std::vector<FileEntry>> MemoryFiles::list(const std::string& folder) const {
+    const std::string wanted = without_slash(folder);
+    if (!folder_exists(wanted) || unreadable.contains(wanted))
+        return std::nullopt;
+    std::vector<FileEntry> entries;
+    for (const auto& [path, bytes] : files_) {
+        if (folder_of(path) == wanted)
+            entries.push_back({name_of(path), bytes.size()});
+    }
+    return entries;
+}
+
+std::optional<std::string> MemoryFiles::read(const std::string& path) const {
+    const auto found = files_.find(path);
+    if (found == files_.end() || unreadable.contains(path))
+        return std::nullopt;
+    return found->second;
+}
+
+bool MemoryFiles::write(const std::string& path, std::string_view bytes) {
+    if (folder_exists(path) || !may_create(path))
+        return false;
+    // The new file stands beside the old one until it is whole.
+    std::size_t used = bytes.size();
+    for (const auto& [name, content] : files_)
+        used += content.size();
+    if (disk_size && used > *disk_size)
+        return false;
+    files_[path] = bytes;
+    return true;
+}
+
+bool MemoryFiles::remove(const std::string& path) {
+    return !read_only_folders.contains(folder_of(path)) && files_.erase(path) == 1;
+}
+
+bool MemoryFiles::may_create(const std::string& path) const {
+    const std::string folder = folder_of(path);
+    const std::string name = name_of(path);
+    return !name.empty() && name.size() <= longest_name && folder_exists(folder) &&
+           !read_only_folders.contains(folder);
+}
+
+} // namespace kestrune
