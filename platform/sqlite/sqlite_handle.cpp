@@ -1,5 +1,6 @@
 #include "platform/sqlite/sqlite_handle.h"
 
+#include <algorithm>
 #include <array>
 
 namespace kestrune {
@@ -8,7 +9,8 @@ namespace {
 // Long enough for another program's single write, short enough not to be felt as a hang.
 constexpr int busy_timeout_ms = 250;
 
-constexpr std::string_view magic{"SQLite format 3\0", 16};
+constexpr std::array<unsigned char, 16> magic{'S', 'Q', 'L', 'i', 't', 'e', ' ', 'f',
+                                              'o', 'r', 'm', 'a', 't', ' ', '3', '\0'};
 
 } // namespace
 
@@ -40,12 +42,30 @@ SqliteConnection SqliteConnection::create(const std::string& path) {
 // that this process holds on it.
 void SqliteConnection::check_header() const {
     sqlite3_file* file = nullptr;
-    std::array<char, magic.size()> header{};
+    std::array<unsigned char, 18> header{};
     const int found = sqlite3_file_control(get(), "main", SQLITE_FCNTL_FILE_POINTER, &file);
     if (found != SQLITE_OK || file == nullptr || file->pMethods == nullptr ||
         file->pMethods->xRead(file, header.data(), static_cast<int>(header.size()), 0) != SQLITE_OK ||
-        std::string_view{header.data(), header.size()} != magic)
+        !std::equal(magic.begin(), magic.end(), header.begin()))
         throw DatabaseError("not an SQLite database");
+
+    // SQLite itself notices missing pages, and fills up a page that is cut with zeros.
+    const int stored_size = header[16] * 256 + header[17];
+    const int page_size = stored_size == 1 ? 65536 : stored_size;
+    sqlite3_int64 size = 0;
+    if (page_size == 0 || file->pMethods->xFileSize(file, &size) != SQLITE_OK ||
+        (size % page_size != 0 && !has_journal()))
+        throw DatabaseError("a truncated SQLite database");
+}
+
+// While a journal stands beside it the file may be in the middle of a change, and SQLite knows what to do.
+bool SqliteConnection::has_journal() const {
+    sqlite3_vfs* vfs = nullptr;
+    int exists = 0;
+    return sqlite3_file_control(get(), "main", SQLITE_FCNTL_VFS_POINTER, &vfs) == SQLITE_OK &&
+           vfs->xAccess(vfs, sqlite3_filename_journal(sqlite3_db_filename(get(), "main")),
+                        SQLITE_ACCESS_EXISTS, &exists) == SQLITE_OK &&
+           exists != 0;
 }
 
 // A library may come from anywhere. Its schema must not run anything by itself, and a misspelt column must be

@@ -29,6 +29,7 @@ public:
 private:
     SqliteConnection(const std::string& path, int flags);
     void check_header() const;
+    [[nodiscard]] bool has_journal() const;
     void distrust_schema();
 
     struct Close {
