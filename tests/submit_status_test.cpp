@@ -186,11 +186,14 @@ TYPED_TEST(SubmitStatusTest, OutcomeOnTheNonPadTabShowsInThatList) {
 TYPED_TEST(SubmitStatusTest, OnAnyOtherTabNoListIsTouchedAndTheSiteIsMarked) {
     this->create();
     this->visit(1);
-    for (const int tab : {0, 1, 4}) {
-        this->expect_outcome(0, "t");
-        MarkSubmitStatus(this->window, tab, 1);
+    for (const int tab : {0, 1, 4, -1}) {
+        for (const int key : {1, 2}) {
+            this->expect_outcome(0, "t");
+            MarkSubmitStatus(this->window, tab, key);
+        }
     }
-    EXPECT_EQ(this->shown(this->lvwPAD, "K1", "Status"), "N");
+    EXPECT_EQ(this->shown(this->lvwPAD, "K1", "Comment"), "");
+    EXPECT_EQ(this->shown(this->lvwNonPad, "K2", "Comment"), "");
     EXPECT_EQ(this->stored(0).status, "Y");
 }
 
