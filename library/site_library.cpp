@@ -42,7 +42,7 @@ ListItem site_entry(const Recordset& row) {
 
 } // namespace
 
-std::string SqlQuote(std::string_view text) { return "'" + std::string(text) + "'"; }
+std::string SqlQuote(std::string_view text) { return std::string("'").append(text).append("'"); }
 
 std::string PadFilter(bool padEnabled) { return (padEnabled ? "PAD = " : "PAD <> ") + SqlQuote("PAD"); }
 
@@ -61,7 +61,7 @@ std::int32_t site_key(const Recordset& row) {
     return static_cast<std::int32_t>(*key);
 }
 
-std::string ListKey(std::int32_t padkey) { return "K" + std::to_string(padkey); }
+std::string ListKey(std::int32_t padkey) { return std::string("K").append(std::to_string(padkey)); }
 
 std::string SiteListStatement(std::string_view filter) {
     return "select * from tblSubmitList where " + std::string(filter) + " order by description";
