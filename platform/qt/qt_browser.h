@@ -2,15 +2,35 @@
 
 #include "platform/browser.h"
 
+#include <chrono>
+#include <memory>
+
+class QWebEngineView;
 class QWidget;
 
 namespace kestrune {
 
-// The embedded browser on Qt WebEngine.
+class EngineProfile;
+
+// The embedded browser on Qt WebEngine. A page side script in every frame (page_script.js) hands over images
+// of documents and carries edits out.
 class QtBrowser : public Browser {
 public:
-    // The browser's widget is a child of `place` and fills it.
+    // A document whose content stands waits this long for its stragglers before it counts as completed.
+    static constexpr std::chrono::milliseconds straggler_time = std::chrono::seconds(10);
+    // A page has this long to answer; one that is busy with itself does not hold the window up any longer.
+    static constexpr std::chrono::milliseconds answer_time = std::chrono::seconds(3);
+
+    // The browser's widget is a child of `place` and fills it. `events` outlives the browser. Windows of one
+    // program share a profile; a page can only open windows of its own profile.
+    QtBrowser(QWidget& place, BrowserEvents& events, std::shared_ptr<EngineProfile> profile);
+    // With the profile that all browsers made this way share while one of them lives; keeps nothing on disk.
     QtBrowser(QWidget& place, BrowserEvents& events);
+    ~QtBrowser() override;
+    QtBrowser(const QtBrowser&) = delete;
+    QtBrowser& operator=(const QtBrowser&) = delete;
+    QtBrowser(QtBrowser&&) = delete;
+    QtBrowser& operator=(QtBrowser&&) = delete;
 
     void Navigate(std::string_view url) override;
     void GoBack() override;
@@ -19,6 +39,15 @@ public:
     [[nodiscard]] std::string LocationURL() const override;
     std::optional<PageDocument> take_image(const DocumentId& document, PageParts parts) override;
     void apply(const std::vector<PageEdit>& edits) override;
+
+    void set_straggler_time(std::chrono::milliseconds time); // of documents that begin from now on
+    void set_answer_time(std::chrono::milliseconds time);
+
+    [[nodiscard]] QWebEngineView& view() const;
+
+private:
+    class Engine;
+    std::unique_ptr<Engine> engine_;
 };
 
 } // namespace kestrune

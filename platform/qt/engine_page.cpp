@@ -1,0 +1,149 @@
+#include "platform/qt/engine_page.h"
+
+#include "platform/diagnostics.h"
+#include "platform/qt/engine_address.h"
+
+#include <QFile>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QRandomGenerator>
+#include <QWebEngineCertificateError>
+#include <QWebEngineFileSystemAccessRequest>
+#include <QWebEngineFullScreenRequest>
+#include <QWebEngineProfile>
+#include <QWebEngineRegisterProtocolHandlerRequest>
+#include <QWebEngineScript>
+#include <QWebEngineScriptCollection>
+#include <QWebEngineUrlRequestInfo>
+#include <QWebEngineUrlRequestInterceptor>
+#if QT_VERSION >= QT_VERSION_CHECK(6, 8, 0)
+#include <QWebEnginePermission>
+#endif
+
+#include <array>
+
+// The resource lies in a static library: without a reference the linker leaves it out. Outside every
+// namespace, as the toolkit's macro wants it.
+static void have_resources() { Q_INIT_RESOURCE(page_script); }
+
+namespace kestrune {
+namespace {
+
+constexpr std::chrono::milliseconds default_straggler_time = std::chrono::seconds(10);
+// A frame's share of the time that the whole image has.
+constexpr std::chrono::milliseconds frame_answer_time = std::chrono::seconds(1);
+
+QString script_name() { return QStringLiteral("kestrune"); }
+
+class RequestWatch : public QWebEngineUrlRequestInterceptor {
+public:
+    explicit RequestWatch(EnginePageEvents& events) : events_(events) {}
+
+    void interceptRequest(QWebEngineUrlRequestInfo& info) override {
+        const bool top_level = info.resourceType() == QWebEngineUrlRequestInfo::ResourceTypeMainFrame;
+        if (!top_level && info.resourceType() != QWebEngineUrlRequestInfo::ResourceTypeSubFrame)
+            return;
+        const bool redirect = info.navigationType() == QWebEngineUrlRequestInfo::NavigationTypeRedirect;
+        events_.navigation_requested(info.requestUrl(), redirect, top_level);
+    }
+
+private:
+    EnginePageEvents& events_;
+};
+
+QString random_token() {
+    std::array<quint32, 8> words{};
+    QRandomGenerator::system()->fillRange(words.data(), words.size());
+    return QString::fromLatin1(QByteArray(reinterpret_cast<const char*>(words.data()), sizeof words).toHex());
+}
+
+QString page_script() {
+    have_resources();
+    QFile file(QStringLiteral(":/kestrune/page_script.js"));
+    if (!file.open(QIODevice::ReadOnly))
+        qFatal("the page script is not in the program");
+    return QString::fromUtf8(file.readAll());
+}
+
+} // namespace
+
+EnginePage::EnginePage(QWebEngineProfile& profile, EnginePageEvents& events)
+    : QWebEnginePage(&profile), events_(events),
+      bridge_([this](PageNotice notice) { events_.heard(std::move(notice)); }),
+      interceptor_(std::make_unique<RequestWatch>(events)), token_(random_token()) {
+    channel_.registerObject(script_name(), &bridge_);
+    setWebChannel(&channel_, QWebEngineScript::ApplicationWorld);
+    setUrlRequestInterceptor(interceptor_.get());
+    set_straggler_time(default_straggler_time);
+    refuse_requests();
+    connect(this, &QWebEnginePage::renderProcessTerminated, this,
+            [this](RenderProcessTerminationStatus status, int code) {
+                diagnostics::report("page process ended",
+                                    std::to_string(status) + ", code " + std::to_string(code));
+                events_.process_ended();
+            });
+}
+
+EnginePage::~EnginePage() {
+    setUrlRequestInterceptor(nullptr);
+    setWebChannel(nullptr);
+}
+
+void EnginePage::set_straggler_time(std::chrono::milliseconds time) {
+    const QJsonObject config{{QStringLiteral("token"), token_},
+                             {QStringLiteral("straggler"), static_cast<qint64>(time.count())},
+                             {QStringLiteral("answer"), static_cast<qint64>(frame_answer_time.count())}};
+    QWebEngineScript script;
+    script.setName(script_name());
+    script.setWorldId(QWebEngineScript::ApplicationWorld);
+    script.setInjectionPoint(QWebEngineScript::DocumentCreation);
+    script.setRunsOnSubFrames(true);
+    script.setSourceCode(page_script() + QLatin1Char('(') +
+                         QString::fromUtf8(QJsonDocument(config).toJson(QJsonDocument::Compact)) +
+                         QStringLiteral(");"));
+    for (const QWebEngineScript& former : scripts().find(script_name()))
+        scripts().remove(former);
+    scripts().insert(script);
+}
+
+bool EnginePage::acceptNavigationRequest(const QUrl& url, NavigationType type, bool top_level) {
+    if (!may_be_visited(url)) {
+        diagnostics::report("address refused", url.toString().toStdString());
+        return false;
+    }
+    events_.navigation_asked(url, type == NavigationTypeRedirect, top_level);
+    return true;
+}
+
+QWebEnginePage* EnginePage::createWindow(WebWindowType) { return events_.window_wanted(); }
+
+void EnginePage::javaScriptConsoleMessage(JavaScriptConsoleMessageLevel, const QString& message, int line,
+                                          const QString& source) {
+    diagnostics::report(
+        "page console",
+        (source + QLatin1Char(':') + QString::number(line) + QLatin1Char(' ') + message).toStdString());
+}
+
+void EnginePage::refuse_requests() {
+#if QT_VERSION >= QT_VERSION_CHECK(6, 8, 0)
+    connect(this, &QWebEnginePage::permissionRequested, this,
+            [](QWebEnginePermission permission) { permission.deny(); });
+#else
+    connect(this, &QWebEnginePage::featurePermissionRequested, this,
+            [this](const QUrl& origin, QWebEnginePage::Feature feature) {
+                setFeaturePermission(origin, feature, QWebEnginePage::PermissionDeniedByUser);
+            });
+#endif
+    connect(this, &QWebEnginePage::certificateError, this, [](QWebEngineCertificateError error) {
+        diagnostics::report("certificate refused", error.url().toString().toStdString());
+        error.rejectCertificate();
+    });
+    connect(this, &QWebEnginePage::fullScreenRequested, this,
+            [](QWebEngineFullScreenRequest request) { request.reject(); });
+    connect(this, &QWebEnginePage::registerProtocolHandlerRequested, this,
+            [](QWebEngineRegisterProtocolHandlerRequest request) { request.reject(); });
+    connect(this, &QWebEnginePage::fileSystemAccessRequested, this,
+            [](QWebEngineFileSystemAccessRequest request) { request.reject(); });
+}
+
+} // namespace kestrune

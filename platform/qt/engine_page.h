@@ -1,0 +1,66 @@
+#pragma once
+
+#include "platform/qt/engine_bridge.h"
+
+#include <QUrl>
+#include <QWebChannel>
+#include <QWebEnginePage>
+
+#include <chrono>
+#include <memory>
+
+class QWebEngineUrlRequestInterceptor;
+
+namespace kestrune {
+
+// What a page reports to the adapter that owns it. Called from inside the engine.
+class EnginePageEvents {
+public:
+    EnginePageEvents() = default;
+    virtual ~EnginePageEvents() = default;
+    EnginePageEvents(const EnginePageEvents&) = delete;
+    EnginePageEvents& operator=(const EnginePageEvents&) = delete;
+    EnginePageEvents(EnginePageEvents&&) = delete;
+    EnginePageEvents& operator=(EnginePageEvents&&) = delete;
+
+    // A navigation is asked for; `redirect` as the engine calls it, see NavigationWatch.
+    virtual void navigation_asked(const QUrl& url, bool redirect, bool top_level) = 0;
+    // Its request goes out.
+    virtual void navigation_requested(const QUrl& url, bool redirect, bool top_level) = 0;
+    // The page wants a window; null refuses it.
+    virtual QWebEnginePage* window_wanted() = 0;
+    virtual void heard(PageNotice notice) = 0;
+    virtual void process_ended() = 0;
+};
+
+// A page of the engine with the program's script and channel in it. What a page asks for beyond showing
+// itself is refused at once: a page whose question nobody answers would wait for ever.
+class EnginePage : public QWebEnginePage {
+public:
+    EnginePage(QWebEngineProfile& profile, EnginePageEvents& events);
+    ~EnginePage() override;
+    EnginePage(const EnginePage&) = delete;
+    EnginePage& operator=(const EnginePage&) = delete;
+    EnginePage(EnginePage&&) = delete;
+    EnginePage& operator=(EnginePage&&) = delete;
+
+    // Holds for documents that begin from now on.
+    void set_straggler_time(std::chrono::milliseconds time);
+
+protected:
+    bool acceptNavigationRequest(const QUrl& url, NavigationType type, bool top_level) override;
+    QWebEnginePage* createWindow(WebWindowType type) override;
+    void javaScriptConsoleMessage(JavaScriptConsoleMessageLevel level, const QString& message, int line,
+                                  const QString& source) override;
+
+private:
+    void refuse_requests();
+
+    EnginePageEvents& events_;
+    EngineBridge bridge_;
+    QWebChannel channel_;
+    std::unique_ptr<QWebEngineUrlRequestInterceptor> interceptor_;
+    QString token_;
+};
+
+} // namespace kestrune

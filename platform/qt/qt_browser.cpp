@@ -1,0 +1,312 @@
+#include "platform/qt/qt_browser.h"
+
+#include "platform/diagnostics.h"
+#include "platform/qt/engine_address.h"
+#include "platform/qt/engine_calls.h"
+#include "platform/qt/engine_image.h"
+#include "platform/qt/engine_navigations.h"
+#include "platform/qt/engine_order.h"
+#include "platform/qt/engine_page.h"
+#include "platform/qt/engine_profile.h"
+
+#include <QAction>
+#include <QEventLoop>
+#include <QPointer>
+#include <QTimer>
+#include <QVBoxLayout>
+#include <QWebEngineHistory>
+#include <QWebEngineView>
+
+#include <utility>
+
+namespace kestrune {
+namespace {
+
+// A navigation whose request is not seen within this time makes none.
+constexpr std::chrono::milliseconds request_time{300};
+
+std::shared_ptr<EngineProfile> shared_profile() {
+    static std::weak_ptr<EngineProfile> current;
+    std::shared_ptr<EngineProfile> profile = current.lock();
+    if (!profile) {
+        profile = std::make_shared<EngineProfile>();
+        current = profile;
+    }
+    return profile;
+}
+
+QString blank_page() { return QStringLiteral("about:blank"); }
+
+} // namespace
+
+// Members end in the reverse order: the page before its profile, the widget before its page.
+class QtBrowser::Engine : public QObject, public EnginePageEvents {
+public:
+    Engine(QWidget& place, BrowserEvents& events, std::shared_ptr<EngineProfile> profile);
+    ~Engine() override;
+    Engine(const Engine&) = delete;
+    Engine& operator=(const Engine&) = delete;
+    Engine(Engine&&) = delete;
+    Engine& operator=(Engine&&) = delete;
+
+    void navigate(std::string_view typed);
+    void go_back();
+    void reload();
+    std::optional<PageDocument> take_image(const DocumentId& document, PageParts parts);
+
+    void navigation_asked(const QUrl& url, bool redirect, bool top_level) override;
+    void navigation_requested(const QUrl& url, bool redirect, bool top_level) override;
+    QWebEnginePage* window_wanted() override;
+    void heard(PageNotice notice) override;
+    void process_ended() override { calls_->abandon(); }
+
+    EnginePage& page() { return *page_; }
+    PageCalls& calls() { return *calls_; }
+    QWebEngineView& view() { return *view_; }
+
+private:
+    void began(const PageNotice& notice);
+    void completed(const DocumentId& id, const std::string& url);
+    void announce(const QUrl& url, bool top_level);
+    void announce_back();
+    [[nodiscard]] bool can_go_back() const;
+
+    BrowserEvents& events_;
+    std::shared_ptr<EngineProfile> profile_;
+    EventOrder order_;
+    NavigationWatch navigations_;
+    std::unique_ptr<EnginePage> page_;
+    std::unique_ptr<PageCalls> calls_;
+    QPointer<QWebEngineView> view_; // its parent may have deleted it before
+    std::optional<bool> back_announced_;
+    bool blank_announced_ = false;
+    bool asking_ = false;
+};
+
+QtBrowser::Engine::Engine(QWidget& place, BrowserEvents& events, std::shared_ptr<EngineProfile> profile)
+    : events_(events), profile_(std::move(profile)),
+      page_(std::make_unique<EnginePage>(profile_->engine(), *this)),
+      calls_(std::make_unique<PageCalls>(*page_, QtBrowser::answer_time)), view_(new QWebEngineView(&place)) {
+    page_->set_straggler_time(QtBrowser::straggler_time);
+    view_->setPage(page_.get());
+    if (place.layout() == nullptr) {
+        auto layout = std::make_unique<QVBoxLayout>();
+        layout->setContentsMargins(0, 0, 0, 0);
+        place.setLayout(layout.release());
+    }
+    place.layout()->addWidget(view_);
+    connect(page_.get(), &QWebEnginePage::urlChanged, this, [this] { announce_back(); });
+    connect(page_.get(), &QWebEnginePage::loadFinished, this, [this] { announce_back(); });
+    // The engine's own commands stop a load as well (its context menu).
+    connect(page_->action(QWebEnginePage::Stop), &QAction::triggered, this,
+            [this] { calls_->run("kestrune.stop()"); });
+    announce_back();
+}
+
+QtBrowser::Engine::~Engine() {
+    calls_->abandon();
+    delete view_.data();
+    if (asking_) {
+        // The engine is inside a call of this page.
+        connect(page_.get(), &QObject::destroyed, page_.get(), [kept = profile_] {});
+        page_.release()->deleteLater();
+    }
+}
+
+void QtBrowser::Engine::navigate(std::string_view typed) {
+    const std::optional<QUrl> url = typed_address(typed);
+    if (!url) {
+        diagnostics::report("no address", typed);
+        return;
+    }
+    if (url->scheme() == QLatin1String("about")) {
+        // The engine does not ask about this one.
+        blank_announced_ = true;
+        announce(*url, true);
+    } else {
+        navigations_.expect();
+    }
+    page_->setUrl(*url);
+}
+
+void QtBrowser::Engine::go_back() {
+    if (!can_go_back())
+        return;
+    navigations_.expect();
+    page_->triggerAction(QWebEnginePage::Back);
+}
+
+void QtBrowser::Engine::reload() {
+    navigations_.expect();
+    page_->triggerAction(QWebEnginePage::Reload);
+}
+
+std::optional<PageDocument> QtBrowser::Engine::take_image(const DocumentId& document, PageParts parts) {
+    struct Result {
+        std::optional<PageDocument> image;
+        bool done = false;
+    };
+    // The browser can end while it waits; what the answer writes to must not.
+    const auto result = std::make_shared<Result>();
+    QEventLoop loop;
+    const QPointer<QEventLoop> waiting(&loop);
+    calls_->fetch_image(document, parts, [result, waiting](PageCalls::Answer answer) {
+        result->image = std::move(answer.image);
+        result->done = true;
+        if (waiting)
+            waiting->quit();
+    });
+    // What the user does meanwhile waits: its handler would run inside the one that asks.
+    if (!result->done)
+        loop.exec(QEventLoop::ExcludeUserInputEvents);
+    return std::move(result->image);
+}
+
+void QtBrowser::Engine::navigation_asked(const QUrl& url, bool redirect, bool top_level) {
+    const EventOrder::Place place = order_.keep();
+    navigations_.asked(url, redirect, top_level, [this, place, url, top_level](bool announced) {
+        if (!announced) {
+            order_.drop(place);
+            return;
+        }
+        NavigateEvent event;
+        event.top_level = top_level;
+        event.url = url.toString(QUrl::FullyEncoded).toStdString();
+        order_.fill(place, [this, event] { events_.BeforeNavigate2(event); });
+    });
+    if (const std::uint64_t number = navigations_.undecided())
+        QTimer::singleShot(request_time, this, [this, number] { navigations_.no_request(number); });
+}
+
+void QtBrowser::Engine::navigation_requested(const QUrl& url, bool redirect, bool top_level) {
+    navigations_.requested(url, redirect, top_level);
+}
+
+QWebEnginePage* QtBrowser::Engine::window_wanted() {
+    // One question at a time.
+    if (asking_)
+        return nullptr;
+    const QPointer<Engine> self(this);
+    asking_ = true;
+    Browser* const browser = events_.NewWindow2();
+    if (!self)
+        return nullptr;
+    asking_ = false;
+    auto* const chosen = dynamic_cast<QtBrowser*>(browser);
+    if (chosen == nullptr || chosen->engine_->page_->profile() != page_->profile())
+        return nullptr;
+    return chosen->engine_->page_.get();
+}
+
+void QtBrowser::Engine::heard(PageNotice notice) {
+    switch (notice.kind) {
+    case PageNotice::Kind::begin:
+        began(notice);
+        break;
+    case PageNotice::Kind::frame:
+        navigations_.began(false);
+        break;
+    case PageNotice::Kind::complete:
+        completed(notice.id, notice.url);
+        break;
+    case PageNotice::Kind::image:
+        calls_->arrived(notice.request, notice.text);
+        break;
+    case PageNotice::Kind::ready:
+        calls_->ready(notice.request);
+        break;
+    }
+}
+
+void QtBrowser::Engine::began(const PageNotice& notice) {
+    navigations_.began(true);
+    calls_->abandon();
+    const bool announced = std::exchange(blank_announced_, false);
+    if (!notice.error && !announced && notice.url == blank_page().toStdString())
+        announce(QUrl(blank_page()), true);
+    announce_back();
+}
+
+void QtBrowser::Engine::completed(const DocumentId& id, const std::string& url) {
+    const EventOrder::Place place = order_.keep();
+    calls_->fetch_image(id, events_.wanted_parts(), [this, place, id, url](PageCalls::Answer answer) {
+        if (answer.gone) {
+            order_.drop(place);
+            return;
+        }
+        PageDocument image;
+        image.id = id;
+        image.url = url;
+        if (answer.image)
+            image = std::move(*answer.image);
+        order_.fill(place, [this, image = std::move(image)]() mutable {
+            events_.DocumentComplete(std::move(image));
+        });
+    });
+}
+
+void QtBrowser::Engine::announce(const QUrl& url, bool top_level) {
+    NavigateEvent event;
+    event.top_level = top_level;
+    event.url = url.toString(QUrl::FullyEncoded).toStdString();
+    order_.add([this, event] { events_.BeforeNavigate2(event); });
+}
+
+void QtBrowser::Engine::announce_back() {
+    const bool now = can_go_back();
+    if (back_announced_ == now)
+        return;
+    back_announced_ = now;
+    order_.add([this, now] { events_.CommandStateChange(BrowserEvents::navigate_back, now); });
+}
+
+// Every window starts with about:blank, which is no page to go back to.
+bool QtBrowser::Engine::can_go_back() const {
+    QWebEngineHistory& history = *page_->history();
+    const int current = history.currentItemIndex();
+    if (!history.canGoBack())
+        return false;
+    return current > 1 || history.itemAt(0).url() != QUrl(blank_page());
+}
+
+QtBrowser::QtBrowser(QWidget& place, BrowserEvents& events, std::shared_ptr<EngineProfile> profile)
+    : engine_(std::make_unique<Engine>(place, events, std::move(profile))) {}
+
+QtBrowser::QtBrowser(QWidget& place, BrowserEvents& events) : QtBrowser(place, events, shared_profile()) {}
+
+QtBrowser::~QtBrowser() = default;
+
+void QtBrowser::Navigate(std::string_view url) { engine_->navigate(url); }
+
+void QtBrowser::GoBack() { engine_->go_back(); }
+
+void QtBrowser::Reload() { engine_->reload(); }
+
+void QtBrowser::Stop() {
+    engine_->page().triggerAction(QWebEnginePage::Stop);
+    engine_->calls().run("kestrune.stop()");
+}
+
+std::string QtBrowser::LocationURL() const {
+    const QUrl url = engine_->page().history()->currentItem().url();
+    return url.isEmpty() ? blank_page().toStdString() : url.toString(QUrl::FullyEncoded).toStdString();
+}
+
+std::optional<PageDocument> QtBrowser::take_image(const DocumentId& document, PageParts parts) {
+    return engine_->take_image(document, parts);
+}
+
+void QtBrowser::apply(const std::vector<PageEdit>& edits) {
+    if (!edits.empty())
+        engine_->calls().run("kestrune.apply(" + write_edits(edits) + ")");
+}
+
+void QtBrowser::set_straggler_time(std::chrono::milliseconds time) {
+    engine_->page().set_straggler_time(time);
+}
+
+void QtBrowser::set_answer_time(std::chrono::milliseconds time) { engine_->calls().set_answer_time(time); }
+
+QWebEngineView& QtBrowser::view() const { return engine_->view(); }
+
+} // namespace kestrune

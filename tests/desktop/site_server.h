@@ -1,0 +1,66 @@
+#pragma once
+
+#include <atomic>
+#include <condition_variable>
+#include <functional>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace httplib {
+class Server;
+}
+
+namespace kestrune {
+
+// A web server on loopback, reached under every 127.x.y.z address and as "localhost", so that one server is
+// many origins.
+class SiteServer {
+public:
+    struct Answer {
+        std::string body;
+        int status = 200;
+        std::string type = "text/html; charset=utf-8";
+        std::map<std::string, std::string> headers = {};
+    };
+    struct Request {
+        std::string method;
+        std::string target; // path and query as sent
+        std::string body;
+        std::map<std::string, std::string> headers;
+    };
+
+    SiteServer();
+    ~SiteServer();
+    SiteServer(const SiteServer&) = delete;
+    SiteServer& operator=(const SiteServer&) = delete;
+    SiteServer(SiteServer&&) = delete;
+    SiteServer& operator=(SiteServer&&) = delete;
+
+    void page(const std::string& path, std::string body) { answer(path, {std::move(body)}); }
+    void answer(const std::string& path, Answer answer);
+    void redirect(const std::string& path, const std::string& to);
+    // A path that is asked for and never answered while the server lives.
+    void never(const std::string& path);
+
+    [[nodiscard]] std::string url(const std::string& path, const std::string& host = "127.0.0.1") const;
+    [[nodiscard]] int port() const { return port_; }
+    [[nodiscard]] std::vector<Request> requests() const;
+    [[nodiscard]] int count_of(const std::string& path) const;
+
+private:
+    std::unique_ptr<httplib::Server> server_;
+    std::thread thread_;
+    int port_ = 0;
+    mutable std::mutex mutex_;
+    std::condition_variable ended_;
+    bool ending_ = false;
+    std::map<std::string, Answer> answers_;
+    std::map<std::string, bool> silent_;
+    std::vector<Request> requests_;
+};
+
+} // namespace kestrune
