@@ -1,0 +1,20 @@
+#pragma once
+
+#include <QWidget>
+
+namespace kestrune {
+
+// A widget that holds other controls; assistive technology sees those of its children that are not hidden
+// from it.
+class ControlContainer : public QWidget {
+public:
+    using QWidget::QWidget;
+};
+
+// Takes a widget in a ControlContainer out of the accessible tree.
+void hide_from_assistance(QWidget& widget);
+
+// Teaches the toolkit the above, and the role of a status bar. To be called once, before the first widget.
+void install_accessibility();
+
+} // namespace kestrune

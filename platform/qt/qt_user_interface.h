@@ -1,0 +1,54 @@
+#pragma once
+
+#include "platform/user_interface.h"
+
+#include <QObject>
+#include <QPointer>
+
+#include <deque>
+#include <vector>
+
+class QDialog;
+
+namespace kestrune {
+
+class QtWindow;
+
+// The desktop on Qt. Needs a QApplication (see QtDesktop); lives as long as the windows that it opened.
+class QtUserInterface final : public UserInterface {
+public:
+    QtUserInterface();
+    ~QtUserInterface() override;
+    QtUserInterface(const QtUserInterface&) = delete;
+    QtUserInterface& operator=(const QtUserInterface&) = delete;
+    QtUserInterface(QtUserInterface&&) = delete;
+    QtUserInterface& operator=(QtUserInterface&&) = delete;
+
+    using UserInterface::MessageBox;
+    Answer MessageBox(std::string_view text, Buttons buttons, std::string_view title) override;
+    void ShowModal(Form& form) override;
+    std::string OpenFileDialog(std::string_view filter) override;
+    [[nodiscard]] ScreenSize screen() const override;
+    std::unique_ptr<Browser> open_window(WindowForm& form, BrowserEvents& events) override;
+    void DoEvents() override;
+    void call_later(std::function<void()> call) override;
+    void EndProgram() override;
+    [[nodiscard]] std::string engine_version() const override;
+
+private:
+    class Nested;
+
+    // Keeps a dialog above the window that it belongs to.
+    void stand_above_window(QDialog& dialog) const;
+    [[nodiscard]] bool handler_on_stack() const;
+    void wake();
+    void run_calls();
+
+    QObject context_; // calls put off end with it
+    std::vector<QPointer<QtWindow>> windows_;
+    std::deque<std::function<void()>> later_;
+    bool woken_ = false;
+    int nested_ = 0;
+};
+
+} // namespace kestrune
