@@ -55,7 +55,10 @@ QtDialog::QtDialog(Form& form)
     column.setSpacing(14);
     add_rows(column);
     add_buttons(column);
-    place(column.sizeHint() + QSize(0, scrolled_height_));
+    QSize content = column.sizeHint();
+    if (column.hasHeightForWidth())
+        content.setHeight(column.totalHeightForWidth(content.width()));
+    place(content + QSize(0, scrolled_height_));
     focus_first();
     controls_.bindings().observe(form, [this] {
         setWindowTitle(title_text(form_.Caption.get()));
@@ -130,9 +133,12 @@ void QtDialog::add_row(QFormLayout& rows, const Form::Row& row) {
     label.setMinimumWidth(std::min(label.fontMetrics().horizontalAdvance(label.text()) + 2, widest_label));
     label.setMaximumWidth(widest_label);
     label.setBuddy(&field);
-    // The label of a field that takes several lines stands beside the first of them.
-    const bool one_line = dynamic_cast<QLineEdit*>(&field) != nullptr;
-    label.setMinimumHeight(one_line ? field.sizeHint().height() : label.sizeHint().height());
+    if (dynamic_cast<QLineEdit*>(&field) != nullptr)
+        label.setMinimumHeight(field.sizeHint().height());
+    else // beside the first of several lines
+        label.setAlignment(Qt::AlignLeft | Qt::AlignTop);
+    if (dynamic_cast<WrappedLabel*>(&field) == nullptr)
+        label.setContentsMargins(0, 3, 0, 3);
     rows.addRow(&label, &field);
 }
 

@@ -34,7 +34,7 @@ struct Everything {
     Everything() {
         address.Locked = true;
         form.Rows = {{"Name:", &name}, {"Address:", &address}, {"Status", &status}, {"Note:", &note, "More"}};
-        form.Buttons = {&save, &cancel};
+        form.Buttons = {&cancel, &save};
         form.Default = &save;
         form.Cancel = &cancel;
         form.FirstFocus = &name;
@@ -61,6 +61,7 @@ protected:
 
 TEST_F(Dialog, HoldsWhatTheUserLeftInIt) {
     it.name.Text = "old";
+    it.note.Text = "\xc2\xa0.";
     show([](QDialog& dialog) {
         dialog.findChild<QLineEdit*>("txtName")->selectAll();
         QTest::keyClicks(dialog.findChild<QLineEdit*>("txtName"), "new");
@@ -73,7 +74,7 @@ TEST_F(Dialog, HoldsWhatTheUserLeftInIt) {
     EXPECT_TRUE(it.saved);
     EXPECT_EQ(it.name.Text.get(), "new");
     EXPECT_EQ(it.status.Selected.get(), 1);
-    EXPECT_EQ(it.note.Text.get(), "a\r\nb");
+    EXPECT_EQ(it.note.Text.get(), "a\r\nb\xc2\xa0.");
 }
 
 TEST_F(Dialog, ShowsWhatItsControlsHoldAndNoOptionWhenNoneIsSelected) {
@@ -141,13 +142,17 @@ TEST_F(Dialog, FocusIsWhereTheUserTypesFirstWithTheTextSelected) {
 }
 
 TEST_F(Dialog, ButtonThatLeavesTheFormShownKeepsTheDialogOpen) {
-    it.save.Click = [this] { it.name.Text = "filled"; };
+    it.save.Click = [this] {
+        it.name.Text = "filled";
+        it.note.Text = "1\r2";
+    };
     show([](QDialog& dialog) {
         dialog.findChild<QPushButton*>("cmdSave")->click();
         EXPECT_TRUE(dialog.isVisible());
         EXPECT_EQ(dialog.findChild<QLineEdit*>("txtName")->text(), "filled");
         dialog.findChild<QPushButton*>("cmdCancel")->click();
     });
+    EXPECT_EQ(it.note.Text.get(), "1\r2");
 }
 
 TEST_F(Dialog, FieldsHaveTheirLabelsAsAccessibleNamesAndBuddies) {
@@ -162,14 +167,14 @@ TEST_F(Dialog, FieldsHaveTheirLabelsAsAccessibleNamesAndBuddies) {
 }
 
 TEST_F(Dialog, CentreThatWasAskedForIsKeptWhenTheContentNeedsMoreRoom) {
-    it.form.Left = to_twips(400) - 1500 / 2;
-    it.form.Top = to_twips(400) - 750 / 2;
+    it.form.Left = to_twips(500) - 1500 / 2;
+    it.form.Top = to_twips(330) - 750 / 2;
     it.form.Width = 1500;
     it.form.Height = 750;
     show([](QDialog& dialog) {
         EXPECT_GT(dialog.width(), 100);
-        EXPECT_NEAR(dialog.geometry().center().x(), 400, 2);
-        EXPECT_NEAR(dialog.geometry().center().y(), 400, 2);
+        EXPECT_NEAR(dialog.geometry().center().x(), 500, 2);
+        EXPECT_NEAR(dialog.geometry().center().y(), 330, 2);
         dialog.findChild<QPushButton*>("cmdCancel")->click();
     });
     EXPECT_GT(it.form.Width.get(), 1500);

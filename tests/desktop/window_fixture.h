@@ -28,7 +28,7 @@ inline bool wait_until(const std::function<bool()>& condition) {
 
 class NoEvents final : public BrowserEvents {
 public:
-    [[nodiscard]] PageParts wanted_parts() const override { return {}; }
+    [[nodiscard]] PageParts wanted_parts() override { return {}; }
     void BeforeNavigate2(NavigateEvent /*event*/) override {}
     void DocumentComplete(PageDocument /*image*/) override {}
     void CommandStateChange(int /*command*/, bool /*enable*/) override {}
