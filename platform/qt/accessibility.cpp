@@ -56,11 +56,12 @@ private:
 };
 
 QAccessibleInterface* make_interface(const QString& /*class_name*/, QObject* object) {
+    // Not dynamic_cast: the engine's objects come here, too, and carry no type information to look at.
     // The toolkit's registry owns what is made here; nobody else could delete it.
     // NOLINTBEGIN(cppcoreguidelines-owning-memory)
-    if (auto* const container = dynamic_cast<ControlContainer*>(object))
+    if (auto* const container = qobject_cast<ControlContainer*>(object))
         return new AccessibleContainer(container);
-    if (auto* const bar = dynamic_cast<StatusPanels*>(object))
+    if (auto* const bar = qobject_cast<StatusPanels*>(object))
         return new QAccessibleWidget(bar, QAccessible::StatusBar);
     // NOLINTEND(cppcoreguidelines-owning-memory)
     return nullptr;

@@ -7,6 +7,8 @@ namespace kestrune {
 // A widget that holds other controls; assistive technology sees those of its children that are not hidden
 // from it.
 class ControlContainer : public QWidget {
+    Q_OBJECT
+
 public:
     using QWidget::QWidget;
 };

@@ -48,6 +48,8 @@ private:
 
 // The three panels of a status bar.
 class StatusPanels final : public QWidget {
+    Q_OBJECT
+
 public:
     explicit StatusPanels(QWidget* parent);
 

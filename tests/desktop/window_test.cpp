@@ -128,6 +128,15 @@ TEST_F(Window, TabKeyFollowsTheTabOrderThroughThePage) {
         << testing::PrintToString(tab_stops(real));
 }
 
+TEST_F(Window, PageTakesTheFocus) {
+    real.show();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&real.window()));
+    QWidget& view = *real.widget("wbMyBrowser.Page").findChild<QWidget*>();
+    ASSERT_TRUE(wait_until([&view] { return view.focusProxy() != nullptr; }));
+    view.setFocus();
+    EXPECT_TRUE(view.focusProxy()->hasFocus());
+}
+
 TEST_F(Window, CaptionIsLiteralTextAndFollowsTheControl) {
     real.show();
     c.cmdRecord.Caption = "Cut & <b>paste</b>";
