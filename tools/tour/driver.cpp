@@ -59,7 +59,7 @@ void type_text(QWidget& box, const QString& text) {
         const bool line_end = letter == u'\n';
         for (const auto kind : {QEvent::KeyPress, QEvent::KeyRelease}) {
             QKeyEvent event(kind, line_end ? Qt::Key_Return : 0, Qt::NoModifier,
-                            line_end ? QStringLiteral("\r") : QString(letter));
+                            QString(line_end ? QChar(u'\r') : letter));
             QCoreApplication::sendEvent(&box, &event);
         }
     }
