@@ -143,11 +143,4 @@ private:
     std::unique_ptr<Browser> browser_;
 };
 
-// Puts a dialog or window of the given size in the middle of the screen. Twips.
-template <typename AnyForm>
-void CenterForm(AnyForm& form, ScreenSize screen) {
-    form.Left = (screen.Width - form.Width) / 2;
-    form.Top = (screen.Height - form.Height) / 2;
-}
-
 } // namespace kestrune
