@@ -111,6 +111,8 @@ public:
     BrowserWindow& OpenPopupWindow();
 
     [[nodiscard]] Browser& browser() { return *browser_; }
+    // What page processing works on in this window.
+    [[nodiscard]] PageProcessing page_processing();
     [[nodiscard]] bool busy() const { return events_.busy(); }
 
 private:
@@ -131,7 +133,7 @@ private:
     void on_command_state(int command, bool enable);
     void show_panel();
     void hide_panel();
-    [[nodiscard]] PageProcessing page_processing();
+
     bool may_open_popup();
 
     Program& program_;

@@ -7,64 +7,93 @@ namespace {
 
 std::string folder_of(const std::string& path) {
     const auto slash = path.find_last_of('/');
-    return slash == std::string::npos ? std::string() : path.substr(0, slash);
+    return slash == std::string::npos || slash == 0 ? "/" : path.substr(0, slash);
+}
+
+std::string name_of(const std::string& path) { return path.substr(path.find_last_of('/') + 1); }
+
+// "/a/" names the folder "/a".
+std::string without_slash(std::string path) {
+    while (path.size() > 1 && path.back() == '/')
+        path.pop_back();
+    return path;
 }
 
 } // namespace
 
 std::string MemoryFiles::path(std::string_view folder, std::string_view name) const {
-    return std::string(folder) + "/" + std::string(name);
+    std::string joined{folder};
+    if (joined.empty() || joined.back() != '/')
+        joined += '/';
+    return joined.append(name);
 }
 
-bool MemoryFiles::file_exists(const std::string& path) const { return contents.count(path) != 0; }
+bool MemoryFiles::file_exists(const std::string& path) const { return contents.contains(path); }
 
-bool MemoryFiles::folder_exists(const std::string& path) const { return folders.count(path) != 0; }
+bool MemoryFiles::folder_exists(const std::string& path) const {
+    const std::string folder = without_slash(path);
+    return folder == "/" || folders.contains(folder);
+}
 
 bool MemoryFiles::create_folder(const std::string& path) {
-    if (disk_full || file_exists(path) || !folder_exists(folder_of(path)))
+    const std::string folder = without_slash(path);
+    if (folder_exists(folder) || file_exists(folder) || !may_create(folder))
         return false;
-    return folders.insert(path).second;
+    folders.insert(folder);
+    return true;
 }
 
 std::optional<std::vector<FileEntry>> MemoryFiles::list(const std::string& folder) const {
-    if (!folder_exists(folder) || unreadable.count(folder) != 0)
+    const std::string wanted = without_slash(folder);
+    if (!folder_exists(wanted) || unreadable.contains(wanted))
         return std::nullopt;
-    std::vector<FileEntry> found;
-    // Backwards: callers must not rely on the order in which a file system lists its files.
-    for (auto file = contents.rbegin(); file != contents.rend(); ++file) {
-        if (folder_of(file->first) == folder)
-            found.push_back({file->first.substr(folder.size() + 1), file->second.size()});
+    std::vector<FileEntry> entries;
+    for (const auto& [path, bytes] : contents) {
+        if (folder_of(path) == wanted)
+            entries.push_back({name_of(path), bytes.size()});
     }
-    return found;
+    return entries;
 }
 
 std::optional<std::string> MemoryFiles::read(const std::string& path) const {
-    const auto file = contents.find(path);
-    if (file == contents.end() || unreadable.count(path) != 0)
+    const auto found = contents.find(path);
+    if (found == contents.end() || unreadable.contains(path))
         return std::nullopt;
-    return file->second;
+    return found->second;
 }
 
 bool MemoryFiles::write(const std::string& path, std::string_view bytes) {
-    const std::string folder = folder_of(path);
-    if (disk_full || !folder_exists(folder) || path.size() - folder.size() - 1 > longest_name)
+    if (disk_full || folder_exists(path) || !may_create(path))
         return false;
-    contents[path] = std::string(bytes);
+    // The new file stands beside the old one until it is whole.
+    std::size_t used = bytes.size();
+    for (const auto& [name, content] : contents)
+        used += content.size();
+    if (disk_size && used > *disk_size)
+        return false;
+    contents[path] = bytes;
     return true;
 }
 
-bool MemoryFiles::remove(const std::string& path) { return contents.erase(path) != 0; }
+bool MemoryFiles::remove(const std::string& path) {
+    return !read_only_folders.contains(folder_of(path)) && contents.erase(path) == 1;
+}
 
 bool MemoryFiles::move(const std::string& from, const std::string& to) {
-    const std::string folder = folder_of(to);
-    const auto file = contents.find(from);
-    if (file == contents.end() || !folder_exists(folder) || to.size() - folder.size() - 1 > longest_name)
+    if (!file_exists(from) || folder_exists(to) || !may_create(to) || read_only_folders.contains(folder_of(from)))
         return false;
-    if (from != to) {
-        contents[to] = std::move(file->second);
-        contents.erase(file);
-    }
+    auto node = contents.extract(from);
+    node.key() = to;
+    contents.erase(to);
+    contents.insert(std::move(node));
     return true;
+}
+
+bool MemoryFiles::may_create(const std::string& path) const {
+    const std::string folder = folder_of(path);
+    const std::string name = name_of(path);
+    return !name.empty() && name.size() <= longest_name && folder_exists(folder) &&
+           !read_only_folders.contains(folder);
 }
 
 } // namespace kestrune

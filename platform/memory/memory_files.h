@@ -3,15 +3,17 @@
 #include "platform/files.h"
 
 #include <cstddef>
-#include <limits>
 #include <map>
+#include <optional>
 #include <set>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace kestrune {
 
-// A file system in memory. Paths use "/"; a folder exists once it was created or is named in `folders`.
+// A file system in memory, for tests: paths with "/", folders that exist only when they are created (the root
+// "/" always does).
 class MemoryFiles : public Files {
 public:
     [[nodiscard]] std::string path(std::string_view folder, std::string_view name) const override;
@@ -24,11 +26,19 @@ public:
     bool remove(const std::string& path) override;
     bool move(const std::string& from, const std::string& to) override;
 
-    std::set<std::string> folders;
     std::map<std::string, std::string> contents; // by full path
-    std::set<std::string> unreadable;            // paths of files or folders that cannot be read
-    bool disk_full = false;                      // nothing can be written
-    std::size_t longest_name = std::numeric_limits<std::size_t>::max();
+    std::set<std::string> folders;               // without the root
+
+    // What a test has go wrong.
+    bool disk_full = false;               // nothing can be written; moving and removing still work
+    std::optional<std::size_t> disk_size; // bytes that all files together may have; a write beyond it fails
+    std::set<std::string> unreadable;     // files and folders that exist and cannot be read
+    std::set<std::string> read_only_folders; // nothing in them can be written, created or removed
+    std::size_t longest_name = 255;          // bytes; a longer name cannot be created
+
+private:
+    [[nodiscard]] bool may_create(const std::string& path) const;
+
 };
 
 } // namespace kestrune

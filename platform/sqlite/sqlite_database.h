@@ -1,13 +1,21 @@
 #pragma once
 
 #include "platform/database.h"
+#include "platform/sqlite/sqlite_recordset.h"
+
+#include <memory>
 
 namespace kestrune {
 
-// The database engine over SQLite files.
+// The database engine over SQLite files. Two programs may have the same file open; a file that another one
+// keeps locked is waited for a quarter of a second.
 class SqliteDatabase : public Database {
 public:
-    [[nodiscard]] std::unique_ptr<Recordset> open(const std::string& path, std::string_view statement) override;
+    [[nodiscard]] std::unique_ptr<Recordset> open(const std::string& path,
+                                                  std::string_view statement) override;
+
+private:
+    std::shared_ptr<HeldBack> held_back_ = std::make_shared<HeldBack>();
 };
 
 } // namespace kestrune
