@@ -2,6 +2,7 @@
 
 #include "filling/page_processing.h"
 #include "filling/page_state.h"
+#include "library/submit_status.h"
 #include "platform/browser.h"
 #include "platform/user_interface.h"
 #include "sessions/permanent_store.h"
@@ -99,12 +100,14 @@ public:
     void cmdAutoHide_Click();
     void AutoHideRecordPanel();
 
-    // Records and sites (records.cpp)
+    // Buttons beside the lists, and the profile (record_buttons.cpp)
     void mnuSetting_Click();
     void cmdEdit_Click();
     void cmdDelete_Click();
     void cmdSave_Click();
     void cmdReset_Click();
+
+    // Playback (playback.cpp)
     void cmdPlayback_Click();
 
     // Pop-up windows (popups.cpp)
@@ -135,6 +138,8 @@ private:
     void hide_panel();
 
     bool may_open_popup();
+    void show_site_tab(int tab, const std::string& count);
+    [[nodiscard]] SubmitStatusControls submit_status_controls();
 
     Program& program_;
     PermanentStore store_;

@@ -1,5 +1,6 @@
 #include "shell/browser_window.h"
 
+#include "platform/center_form.h"
 #include "shell/dialogs.h"
 #include "shell/makers_site.h"
 

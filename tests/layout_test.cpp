@@ -1,3 +1,4 @@
+#include "platform/center_form.h"
 #include "window_fixture.h"
 
 #include <vector>
@@ -145,7 +146,7 @@ TEST(CenterForm, PutsTheFormInTheMiddleOfTheScreen) {
     Form form{"frm", ""};
     form.Width = 4000;
     form.Height = 3000;
-    CenterForm(form, {19200, 14400});
+    CenterForm(form, ScreenSize{19200, 14400});
     EXPECT_EQ(form.Left.get(), (19200 - 4000) / 2);
     EXPECT_EQ(form.Top.get(), (14400 - 3000) / 2);
 }

@@ -1,0 +1,34 @@
+#include "shell/browser_window.h"
+
+#include "library/submit_status.h"
+
+namespace kestrune {
+
+void BrowserWindow::mnuSetting_Click() {}
+
+void BrowserWindow::cmdEdit_Click() {
+    ListView* const list = CurrentRecordList();
+    const SelectedEntry selected = ReadSelectedEntry(list);
+    if (!selected.found) {
+        program_.ui().MessageBox(nothing_selected);
+        return;
+    }
+    if (list != &lvwPAD && list != &lvwNonPad)
+        return;
+    const ListItem& site = *list->selected();
+    const auto field = [list, &site](std::string_view key) { return std::string(list->sub_item(site, key)); };
+    EditSiteRecord(submit_status_controls(), *list, selected.key, selected.text, field("url"),
+                   field("Status"), field("Category"), field("Comment"));
+}
+
+void BrowserWindow::cmdDelete_Click() { store_.cmdDelete_Click(CurrentRecordList()); }
+
+void BrowserWindow::cmdSave_Click() { store_.cmdSave_Click(); }
+
+void BrowserWindow::cmdReset_Click() { kestrune::cmdReset_Click(submit_status_controls(), glngCurTab); }
+
+SubmitStatusControls BrowserWindow::submit_status_controls() {
+    return {program_.ui(), program_.library(), form, txtUrl, txtDesc, lvwPAD, lvwNonPad, StatusBar1};
+}
+
+} // namespace kestrune

@@ -1,0 +1,92 @@
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <filesystem>
+#include <map>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace kestrune::practice {
+
+// A practice site that cannot be used. what() reads "FILE:LINE: what is wrong".
+class SiteFileError : public std::runtime_error {
+public:
+    SiteFileError(const std::filesystem::path& file, std::size_t line, std::string_view message);
+};
+
+// What the server does at one path instead of plainly serving the file there.
+struct Behaviour {
+    enum class Hang : std::uint8_t {
+        never,
+        silent, // takes the request and answers nothing
+        body,   // sends the first half of the file
+    };
+    std::string redirect; // where to, placeholders not yet filled in; empty: nowhere
+    std::vector<std::pair<std::string, std::string>> headers;
+    std::chrono::milliseconds delay{0}; // before the answer begins
+    Hang hang = Hang::never;            // until released
+    int code = 0;                       // HTTP status; 0: what fits
+    std::string type;                   // Content-Type; empty: by the file's name
+};
+
+// A question that the program must ask, with the button that answers it.
+struct Question {
+    std::string answer; // "Yes", "No", "OK" or "Cancel"
+    std::string title;
+    std::string text;
+    friend bool operator==(const Question&, const Question&) = default;
+};
+
+// What must happen when the site is played. Texts may hold placeholders.
+struct Expectation {
+    std::string link; // text of the link that is followed; empty: none may be
+    // Path, or whole address on another site, that the browser shows in the end; empty: the site never brings
+    // a document.
+    std::string ends_at;
+    std::vector<std::string> asked_for;     // paths that the server must have been asked for
+    std::vector<std::string> not_asked_for; // paths that it must not have been asked for
+    std::vector<std::string> status; // texts that status panel 1 shows, in this order, others in between
+    std::vector<Question> questions; // all of them, in order
+    // While the first question is open: the hanging path that is let go, and then the path whose document
+    // must have completed before the question is answered. Both may be empty.
+    std::string release;
+    std::string answer_after;
+    // One outcome for each visit: "Y", "P", "N" or "cancel"; the last one stays in the library.
+    std::vector<std::string> marks;
+    std::string note;
+};
+
+// One practice site: a folder of pages with the file site.txt, whose format is told in practice/README.md.
+struct Site {
+    std::string name; // of the folder
+    std::filesystem::path folder;
+
+    std::string description;
+    std::string softtype = "1=general";
+    std::string pad = "PAD";
+    std::int64_t referral = 0;
+    std::string home = "/"; // path of the start page
+    bool served = true;     // false: the address refuses every connection
+    std::string left_out;   // why the tour does not play it; empty: it does
+    Expectation expected;
+    std::map<std::string, Behaviour, std::less<>> behaviours; // by path; "*" is every path
+
+    // Both the path's own behaviour and that of "*"; the path's own goes first.
+    [[nodiscard]] Behaviour behaviour(std::string_view path) const;
+};
+
+inline constexpr std::string_view site_file_name = "site.txt";
+
+// Reads the text of a site.txt; `file` names it in errors. Throws SiteFileError.
+Site parse_site(std::string_view name, std::string_view text, const std::filesystem::path& file);
+
+// Every folder of `folder` that holds a site.txt, in the order of their names, with its pages looked through
+// for placeholders that lead nowhere. Throws SiteFileError.
+std::vector<Site> load_sites(const std::filesystem::path& folder);
+
+} // namespace kestrune::practice
