@@ -20,13 +20,6 @@ struct ScreenSize {
     int Height = 0;
 };
 
-// Puts a dialog or window of the given size in the middle of the screen. Twips.
-template <typename AnyForm>
-void CenterForm(AnyForm& form, ScreenSize screen) {
-    form.Left = (screen.Width - form.Width) / 2;
-    form.Top = (screen.Height - form.Height) / 2;
-}
-
 // The services of the desktop. All calls on the user-interface thread.
 class UserInterface {
 public:

@@ -1,5 +1,6 @@
 #include "sessions/record_editor.h"
 
+#include "platform/center_form.h"
 #include "sessions/post_data.h"
 #include "sessions/record_dialogs.h"
 
