@@ -4,6 +4,7 @@
 #include "platform/page.h"
 
 #include <cstddef>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -48,6 +49,20 @@ public:
     }
 
     void note(PageEdit edit) { edits_.push_back(std::move(edit)); }
+
+    // Changes of an element of this page's image: made there at once and noted for the page.
+    void set_value(PageElement& element, const std::string& value) {
+        element.value = value;
+        note({PageEdit::Kind::value, element.ref, value});
+    }
+    void check(PageElement& element) {
+        element.checked = true;
+        note({PageEdit::Kind::check, element.ref});
+    }
+    void select(PageOption& option) {
+        option.selected = true;
+        note({PageEdit::Kind::select, option.ref});
+    }
 
     void send() {
         if (edits_.empty())

@@ -1,5 +1,6 @@
 #include "filling/page_processing.h"
 
+#include "filling/form_replay.h"
 #include "filling/form_tags.h"
 #include "platform/text.h"
 
@@ -38,7 +39,7 @@ std::optional<Recorded> record_for(const ListView& list, const ListItem& item, s
 // there is none.
 bool replay_record(const PageProcessing& window, LivePage& page, const std::string& url) {
     for (std::size_t i = 0; i < window.lvwPermanent.size(); ++i) {
-        const auto record = record_for(window.lvwPermanent, window.lvwPermanent.item(i), url);
+        auto record = record_for(window.lvwPermanent, window.lvwPermanent.item(i), url);
         if (!record || equal_ignoring_case(url, window.state.strLastUrl))
             continue;
         if (window.mnuPromptFill.Checked.get()) {
@@ -56,15 +57,23 @@ bool replay_record(const PageProcessing& window, LivePage& page, const std::stri
     return false;
 }
 
+FormReplay form_replay(const PageProcessing& window) {
+    return {window.state, {window.mnuAutoClick, window.StatusBar1}};
+}
+
 // Applies the mode to one document. True when it was the replay and the replay filled a form.
 bool apply_mode(LivePage& page, const PickDocument& pick, std::string_view mode,
-                const PageProcessing& window) {
+                std::string_view recordAction, std::string& recordPostdata, const PageProcessing& window) {
     if (mode == "LINK") {
         LinkSearch search{window.state, window.mnuPromptFill, window.txtUrl, window.StatusBar1, window.ui};
         if (window.state.bFindLinkFlag)
             FindSubmitLink(page, pick, search);
         return false;
     }
+    PageDocument& document = *pick();
+    if (mode != "CHECK")
+        return FillForms(page, document, mode, recordAction, recordPostdata, form_replay(window));
+    ReadForms(document, recordAction, recordPostdata, window.StatusBar1);
     return false;
 }
 
@@ -87,23 +96,24 @@ void OnDocumentComplete(const PageProcessing& window, PageDocument image) {
     if (!window.state.bFindLinkFlag)
         return;
     page.need({.links = true, .forms = false});
-    ProcessDocument(page, "LINK", {}, {}, window);
+    std::string no_record;
+    ProcessDocument(page, "LINK", no_record, no_record, window);
 }
 
 void ProcessDocument(LivePage& page, std::string_view mode, std::string_view recordAction,
-                     std::string_view recordPostdata, const PageProcessing& window) {
-    static_cast<void>(recordAction);
-    static_cast<void>(recordPostdata);
+                     std::string& recordPostdata, const PageProcessing& window) {
     // The number of frames is that of the moment: a question may have given the page time to change.
     for (std::size_t i = 0; page.frame(i) != nullptr; ++i) {
-        const bool filled = apply_mode(
-            page, [&page, i] { return page.frame(i); }, mode, window);
-        if (filled && mode == "WRITE")
+        const auto frame = [&page, i] { return page.frame(i); };
+        if (apply_mode(page, frame, mode, recordAction, recordPostdata, window))
             return;
     }
-    if (page.document() != nullptr)
-        apply_mode(
-            page, [&page] { return page.document(); }, mode, window);
+    if (page.document() == nullptr)
+        return;
+    const auto document = [&page] { return page.document(); };
+    const bool filled = apply_mode(page, document, mode, recordAction, recordPostdata, window);
+    if (mode == "WRITE" && !filled)
+        ReportNoAutoClick(form_replay(window).button);
 }
 
 void CollectFormTags(const PageDocument& document, std::string_view url, FormTable& table) {

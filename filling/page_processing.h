@@ -36,9 +36,10 @@ void OnDocumentComplete(const PageProcessing& window, PageDocument image);
 
 // Hands the frames of the page in order, then the page's own document, to what the mode stands for: "LINK"
 // the link search (while it is armed), "CHECK" the form reader, "WRITE" the form replay, anything else the
-// form replay reading back. "WRITE" ends at the first document in which a form was filled.
+// form replay reading back into recordPostdata. "WRITE" ends at the first document in which a form was
+// filled; when there is none, the user is told once that nothing could be pressed.
 void ProcessDocument(LivePage& page, std::string_view mode, std::string_view recordAction,
-                     std::string_view recordPostdata, const PageProcessing& window);
+                     std::string& recordPostdata, const PageProcessing& window);
 
 // Appends the document's form tags to the form table; one marker entry for a document that has frames.
 void CollectFormTags(const PageDocument& document, std::string_view url, FormTable& table);

@@ -14,10 +14,13 @@ class Browser;
 // A navigation that is about to start. What the engine cannot tell is empty.
 struct NavigateEvent {
     bool top_level = true; // false: a frame of the page navigates
-    std::string url;
-    std::string frame_name; // target frame; empty for the top window
-    std::string postdata;   // bytes as sent
-    std::string headers;    // raw, lines ended by CR LF
+    std::string url = {};
+    std::string frame_name = {}; // target frame; empty for the top window
+    std::string postdata = {};   // bytes as sent
+    std::string headers = {};    // raw, lines ended by CR LF
+    // The document that holds the submitted form, with its forms as they stood when it was submitted; the
+    // page may be gone when the event is handled. Without an id when no form is submitted.
+    PageDocument submitted = {};
 };
 
 // What a browser tells its window. Every call comes on the user-interface thread, in the order in which

@@ -115,6 +115,7 @@ public:
     // UTF-8; what the user types arrives here as it is typed.
     Property<std::string> Text{*this};
     Property<bool> Locked{*this}; // shown, can be selected and copied, not edited
+    Property<bool> Masked{*this}; // shown as dots; of a single line only
     const bool MultiLine;
 };
 

@@ -4,6 +4,7 @@
 
 #include <functional>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -17,6 +18,11 @@ public:
         std::string Label;        // as shown, colon included
         Control* Field = nullptr; // a TextBox, an OptionGroup or a Label; owned by the dialog's own class
         std::string Group = {};   // rows in a run with the same non-empty group stand under it as a heading
+        // Rows in a run with the same non-empty page lie together on a page of that caption; pages that
+        // follow one another make one tab control, its first page in front.
+        std::string Page = {};
+        // Shown in place of `Label` and followed as it changes; owned like the field.
+        kestrune::Label* Title = nullptr;
     };
 
     Form(std::string name, std::string caption) : Name(std::move(name)), Caption(*this, std::move(caption)) {}
@@ -40,11 +46,13 @@ public:
 
     void Hide() { Visible = false; }
 
-    // The control of a row or the button with this name, or null.
+    // The control or title of a row or the button with this name, or null.
     [[nodiscard]] Control* find(std::string_view name) const {
         for (const Row& row : Rows) {
             if (row.Field != nullptr && row.Field->Name == name)
                 return row.Field;
+            if (row.Title != nullptr && row.Title->Name == name)
+                return row.Title;
         }
         for (Button* button : Buttons) {
             if (button->Name == name)

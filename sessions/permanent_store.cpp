@@ -68,12 +68,14 @@ void PermanentStore::read_files(std::size_t most) {
             continue;
         RecordSession record;
         ParseSessionXml(*text, record);
-        if (record.Type == type_preference)
-            read_preference_(*text);
-        else if (name_fits(name, record))
+        if (record.Type == type_preference) {
+            if (read_preference_)
+                read_preference_(*text);
+        } else if (name_fits(name, record)) {
             load.records.push_back(std::move(record));
-        else
+        } else {
             files_.put_away(name);
+        }
     }
     if (load.next == load.names.size())
         finish_loading();

@@ -24,7 +24,7 @@ struct RecordPanel {
 // The permanent records of one window: loading them, keeping temporary ones, deleting from any of the lists.
 class PermanentStore {
 public:
-    // Gets the text of the product profile's file, when the session folder holds one.
+    // Gets the text of the product profile's file, when the session folder holds one; may be empty.
     using PreferenceReader = std::function<void(std::string_view text)>;
 
     // All but the panel may be shared between windows, and outlive this object.

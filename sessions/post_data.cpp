@@ -97,6 +97,22 @@ std::string JoinPostData(const PostFields& fields) {
     return joined;
 }
 
+void ReplacePostValue(std::string& postdata, std::size_t position, std::string_view value) {
+    std::size_t begin = 0;
+    for (; position > 0; --position) {
+        const std::size_t end = postdata.find('&', begin);
+        if (end == std::string::npos)
+            return;
+        begin = end + 1;
+    }
+    const std::size_t end = std::min(postdata.find('&', begin), postdata.size());
+    const std::size_t equals = postdata.find('=', begin);
+    if (equals < end)
+        postdata.replace(equals + 1, end - equals - 1, value);
+    else
+        postdata.insert(end, std::string("=").append(value));
+}
+
 int HexDigitValue(char32_t character) {
     if (character >= U'A' && character <= U'F')
         return static_cast<int>(character - U'A') + 10;

@@ -3,6 +3,7 @@
 #include "platform/code_page.h"
 #include "platform/control.h"
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -27,6 +28,10 @@ struct PostFields {
 
 // The pairs with "=" between name and value and "&" between pairs; nothing is encoded.
 [[nodiscard]] std::string JoinPostData(const PostFields& fields);
+
+// Gives the pair at this position (0-based, in the order of SplitPostData) another value, encoded already;
+// everything else stays as it is. Nothing happens when there is no such pair.
+void ReplacePostValue(std::string& postdata, std::size_t position, std::string_view value);
 
 // What the user typed, from an encoded value. "%2B" is a space like "+"; "%2b" is a plus sign. The bytes of
 // "%" codes are read as UTF-8 or Windows-1252, whichever the value is. A "%" that fewer than two characters

@@ -7,8 +7,8 @@ namespace kestrune {
 BrowserWindow::BrowserWindow(Program& program, BrowserWindow* opener)
     : objParentForm(opener), glngPopupLevel(opener == nullptr ? 0 : opener->glngPopupLevel + 1),
       gstrSessionPath(program.record_files().gstrSessionPath()), program_(program),
-      store_({lvwPermanent, ListView1, lvwPAD, lvwNonPad, StatusBar1, *this}, program.record_files(),
-             program.library(), program.ui(), {}) {
+      store_(record_panel(), program.record_files(), program.library(), program.ui(), {}),
+      editor_(record_panel(), store_, program.record_files(), program.ui()) {
     wire();
     browser_ = program_.ui().open_window(form, *this);
 }
@@ -80,9 +80,18 @@ void BrowserWindow::wire_keys() {
         {"F5", in_turn(&BrowserWindow::reload)},
         {"Esc", in_turn(&BrowserWindow::stop)},
         {"Ctrl+L", in_turn(&BrowserWindow::open_address)},
+        {"Ctrl+D", in_turn(&BrowserWindow::bookmark_page)},
         // With the record lists hidden the button lies below the window's edge.
         {"Ctrl+Alt+R", [this] { cmdReset.press(); }},
     };
+}
+
+RecordPanel BrowserWindow::record_panel() {
+    return {lvwPermanent, ListView1, lvwPAD, lvwNonPad, StatusBar1, *this};
+}
+
+Capture BrowserWindow::capture() {
+    return {page_processing(), *this, mnuAutoRecord, ListView1, SSTab1, [this] { cmdEdit_Click(); }};
 }
 
 PageProcessing BrowserWindow::page_processing() {

@@ -6,7 +6,9 @@
 #include "platform/browser.h"
 #include "platform/user_interface.h"
 #include "sessions/permanent_store.h"
+#include "sessions/record_editor.h"
 #include "sessions/record_list.h"
+#include "shell/capture.h"
 #include "shell/event_queue.h"
 #include "shell/program.h"
 #include "shell/window_controls.h"
@@ -106,6 +108,8 @@ public:
     void cmdDelete_Click();
     void cmdSave_Click();
     void cmdReset_Click();
+    // Offers the page in the browser as a bookmark; one that is made comes to the front.
+    void bookmark_page();
 
     // Playback (playback.cpp)
     void cmdPlayback_Click();
@@ -140,9 +144,12 @@ private:
     bool may_open_popup();
     void show_site_tab(int tab, const std::string& count);
     [[nodiscard]] SubmitStatusControls submit_status_controls();
+    [[nodiscard]] RecordPanel record_panel();
+    [[nodiscard]] Capture capture();
 
     Program& program_;
     PermanentStore store_;
+    RecordEditor editor_;
     EventQueue events_;
     // Counts the navigations of the top window: a completion that waited in the queue while the page was left
     // is dropped.

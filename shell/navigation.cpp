@@ -109,10 +109,11 @@ void BrowserWindow::on_command_state(int command, bool enable) {
 void BrowserWindow::BeforeNavigate2(NavigateEvent event) {
     if (event.top_level)
         ++visit_;
-    events_.handle([this, event = std::move(event)] {
+    events_.handle([this, event = std::move(event)]() mutable {
         StatusBar1.set_text(1, "Going to " + event.url + "...");
         Timer1.Interval = 1000;
         Timer1.Enabled = true;
+        CaptureSubmission(capture(), std::move(event));
     });
 }
 

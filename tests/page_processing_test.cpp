@@ -211,10 +211,11 @@ TEST_F(PageProcessingTest, ModeNamesAreComparedExactly) {
     window().mnuPromptFill.choose();
     PageDocument image = *browser().take_image(browser().showing()->id, {.links = true});
     LivePage page{browser(), std::move(image)};
-    ProcessDocument(page, "Link", "", "", window().page_processing());
+    std::string postdata;
+    ProcessDocument(page, "Link", "", postdata, window().page_processing());
     page.send();
     EXPECT_TRUE(browser().clicked.empty());
-    ProcessDocument(page, "LINK", "", "", window().page_processing());
+    ProcessDocument(page, "LINK", "", postdata, window().page_processing());
     page.send();
     EXPECT_THAT(browser().clicked, ElementsAre("Submit"));
 }

@@ -1,5 +1,6 @@
 #include "platform/memory/memory_browser.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace kestrune {
@@ -27,6 +28,71 @@ void keep_wanted(PageDocument& document, PageParts parts) {
         keep_wanted(frame, parts);
 }
 
+bool is_input(const PageElement& element) {
+    return element.type != "textarea" && element.type.substr(0, 6) != "select";
+}
+
+// Gives the inputs of the document the numbers that they have as elements of its forms.
+void list_inputs(PageDocument& document) {
+    const bool listed = !document.inputs.empty();
+    for (const PageForm& form : document.forms) {
+        for (const PageElement& element : form.elements) {
+            if (!listed && is_input(element))
+                document.inputs.push_back(element);
+            for (PageElement& input : document.inputs) {
+                if (input.name == element.name && input.type == element.type && input.ref.element == 0)
+                    input.ref = element.ref;
+            }
+        }
+    }
+}
+
+// One element's part of an edit. In a list with one choice and among radio buttons of one name the others
+// lose their mark, as in an engine.
+void write_element(PageElement& element, const PageEdit& edit) {
+    const bool meant = element.ref.element == edit.ref.element;
+    if (edit.kind == PageEdit::Kind::value && meant)
+        element.value = edit.text;
+    if (edit.kind == PageEdit::Kind::check && meant)
+        element.checked = true;
+    if (edit.kind != PageEdit::Kind::select)
+        return;
+    const auto chosen =
+        std::find_if(element.options.begin(), element.options.end(),
+                     [&edit](const PageOption& option) { return option.ref.element == edit.ref.element; });
+    if (chosen == element.options.end())
+        return;
+    if (element.type == "select-one") {
+        for (PageOption& option : element.options)
+            option.selected = false;
+    }
+    chosen->selected = true;
+}
+
+void release_radio_group(PageForm& form, std::uint32_t checked) {
+    const auto radio =
+        std::find_if(form.elements.begin(), form.elements.end(), [checked](const PageElement& element) {
+            return element.ref.element == checked && element.type == "radio";
+        });
+    if (radio == form.elements.end())
+        return;
+    for (PageElement& element : form.elements) {
+        if (element.type == "radio" && element.name == radio->name && element.ref.element != checked)
+            element.checked = false;
+    }
+}
+
+void write(PageDocument& document, const PageEdit& edit) {
+    for (PageForm& form : document.forms) {
+        if (edit.kind == PageEdit::Kind::check)
+            release_radio_group(form, edit.ref.element);
+        for (PageElement& element : form.elements)
+            write_element(element, edit);
+    }
+    for (PageElement& input : document.inputs)
+        write_element(input, edit);
+}
+
 } // namespace
 
 MemoryBrowser::MemoryBrowser(WindowForm& form, BrowserEvents& events) : form_(form), events_(events) {}
@@ -38,7 +104,7 @@ MemoryBrowser::~MemoryBrowser() {
 
 void MemoryBrowser::Navigate(std::string_view url) {
     navigations.emplace_back(url);
-    start(std::string(url), true);
+    start({.url = std::string(url)});
 }
 
 void MemoryBrowser::GoBack() {
@@ -49,12 +115,12 @@ void MemoryBrowser::GoBack() {
     std::string url = history_.back();
     history_.pop_back();
     going_back_ = true;
-    start(std::move(url), true);
+    start({.url = std::move(url)});
 }
 
 void MemoryBrowser::Reload() {
     ++reload_count;
-    start(location, true);
+    start({.url = location});
 }
 
 void MemoryBrowser::Stop() {
@@ -75,17 +141,36 @@ std::optional<PageDocument> MemoryBrowser::take_image(const DocumentId& document
 
 void MemoryBrowser::apply(const std::vector<PageEdit>& edits) {
     for (const PageEdit& edit : edits) {
-        const PageDocument* const document = find(edit.ref.document);
+        PageDocument* const document = find(edit.ref.document);
         if (document == nullptr)
             continue;
-        for (const PageLink& candidate : std::vector<PageLink>(document->links)) {
-            if (candidate.ref.element != edit.ref.element)
-                continue;
-            clicked.push_back(candidate.innertext);
-            if (on_click)
-                on_click(candidate);
-            break;
-        }
+        if (edit.kind == PageEdit::Kind::click)
+            click(*document, edit.ref.element);
+        else
+            write(*document, edit);
+    }
+}
+
+void MemoryBrowser::click(const PageDocument& document, std::uint32_t number) {
+    for (const PageLink& candidate : document.links) {
+        if (candidate.ref.element != number)
+            continue;
+        clicked.push_back(candidate.innertext);
+        // The page may go with the click.
+        if (const PageLink link = candidate; on_click)
+            on_click(link);
+        return;
+    }
+    std::vector<PageElement> elements = document.inputs;
+    for (const PageForm& form : document.forms)
+        elements.insert(elements.begin(), form.elements.begin(), form.elements.end());
+    for (const PageElement& candidate : elements) {
+        if (candidate.ref.element != number)
+            continue;
+        pressed.push_back(candidate.name);
+        if (on_press)
+            on_press(candidate);
+        return;
     }
 }
 
@@ -107,14 +192,36 @@ bool MemoryBrowser::arrive() {
     return true;
 }
 
-void MemoryBrowser::page_navigates(std::string url) { start(std::move(url), true); }
+void MemoryBrowser::page_navigates(std::string url) { start({.url = std::move(url)}); }
+
+void MemoryBrowser::page_submits(NavigateEvent event) {
+    if (showing_ && event.submitted.id.empty()) {
+        event.submitted = *showing_;
+        keep_wanted(event.submitted, {.links = false, .forms = true});
+    }
+    start(std::move(event));
+}
 
 void MemoryBrowser::give_ids(PageDocument& document) {
     if (document.id.empty())
         document.id = "document " + std::to_string(next_id_++);
-    std::uint32_t element = 0;
+    std::uint32_t last = 0;
+    const auto next = [&] { return ElementRef{document.id, ++last}; };
     for (PageLink& candidate : document.links)
-        candidate.ref = {document.id, ++element};
+        candidate.ref = next();
+    for (PageForm& form : document.forms) {
+        form.ref = next();
+        for (PageElement& element : form.elements) {
+            element.ref = next();
+            for (PageOption& option : element.options)
+                option.ref = next();
+        }
+    }
+    list_inputs(document);
+    for (PageElement& input : document.inputs) {
+        if (input.ref.element == 0)
+            input.ref = next();
+    }
     for (PageDocument& frame : document.frames)
         give_ids(frame);
 }
@@ -131,11 +238,9 @@ PageDocument* MemoryBrowser::find(const DocumentId& id) {
     return showing_ ? find_in(*showing_, id) : nullptr;
 }
 
-void MemoryBrowser::start(std::string url, bool top_level) {
-    NavigateEvent event;
-    event.top_level = top_level;
-    event.url = url;
-    under_way = std::move(url);
+void MemoryBrowser::start(NavigateEvent event) {
+    if (event.top_level)
+        under_way = event.url;
     events_.BeforeNavigate2(std::move(event));
 }
 
@@ -144,6 +249,38 @@ void MemoryBrowser::announce_back() {
 }
 
 PageLink link(std::string text) { return {{}, std::move(text)}; }
+
+PageElement element(std::string type, std::string name, std::string value) {
+    PageElement made;
+    made.type = std::move(type);
+    made.name = std::move(name);
+    made.value = std::move(value);
+    return made;
+}
+
+PageElement list_of(std::string type, std::string name,
+                    const std::vector<std::pair<std::string, std::string>>& options) {
+    PageElement made = element(std::move(type), std::move(name));
+    for (const auto& [text, value] : options)
+        made.options.push_back({{}, text, value, false});
+    return made;
+}
+
+PageForm form_of(std::string action, std::vector<PageElement> elements) {
+    PageForm form;
+    form.action = std::move(action);
+    form.elements = std::move(elements);
+    return form;
+}
+
+PageDocument page_of_forms(std::string url, std::vector<PageForm> forms) {
+    PageDocument document;
+    document.url = std::move(url);
+    for (const PageForm& form : forms)
+        document.form_tags.push_back("<form action=\"" + form.action + "\" method=post>");
+    document.forms = std::move(forms);
+    return document;
+}
 
 PageDocument page_of_links(std::string url, const std::vector<std::string>& texts) {
     PageDocument document;

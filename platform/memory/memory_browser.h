@@ -3,10 +3,12 @@
 #include "platform/browser.h"
 #include "platform/window_form.h"
 
+#include <cstdint>
 #include <functional>
 #include <map>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace kestrune {
@@ -35,6 +37,8 @@ public:
     std::map<std::string, PageDocument> pages;
     // What clicking a link does, by the link's text; by default nothing.
     std::function<void(const PageLink&)> on_click;
+    // What clicking an element of a form does; by default nothing.
+    std::function<void(const PageElement&)> on_press;
     // Run when an image is taken anew, before it is given out.
     std::function<void()> on_take_image;
 
@@ -43,6 +47,9 @@ public:
     bool arrive();
     // The page itself starts a navigation (a script, a link).
     void page_navigates(std::string url);
+    // The user submits a form of the page that is showing. What the event lacks of the page is added; without
+    // postdata it is sent as a GET form is.
+    void page_submits(NavigateEvent event);
     // The page on show is left without a new one: its images are gone.
     void lose_page() { showing_.reset(); }
     [[nodiscard]] PageDocument* showing() { return showing_ ? &*showing_ : nullptr; }
@@ -51,6 +58,7 @@ public:
     std::optional<std::string> under_way; // address of the navigation that has not arrived yet
     std::vector<std::string> navigations; // what the program asked for, in order
     std::vector<std::string> clicked;     // texts of the links clicked, in order
+    std::vector<std::string> pressed;     // names of the elements of forms clicked, in order
     int back_count = 0;
     int reload_count = 0;
     int stop_count = 0;
@@ -61,9 +69,10 @@ public:
 
 private:
     void give_ids(PageDocument& document);
+    void click(const PageDocument& document, std::uint32_t number);
     void complete(const PageDocument& document);
     [[nodiscard]] PageDocument* find(const DocumentId& id);
-    void start(std::string url, bool top_level);
+    void start(NavigateEvent event);
     void announce_back();
 
     WindowForm& form_;
@@ -74,8 +83,15 @@ private:
     int next_id_ = 1;
 };
 
-// Writing pages: a link with its text, and a document of links.
+// Writing pages: a link with its text, a form with its elements, and a document of links or of forms. A
+// document that lists no inputs of its own has those of its forms.
 PageLink link(std::string text);
+PageElement element(std::string type, std::string name, std::string value = {});
+// One option for each text and value; none is selected.
+PageElement list_of(std::string type, std::string name,
+                    const std::vector<std::pair<std::string, std::string>>& options);
+PageForm form_of(std::string action, std::vector<PageElement> elements);
+PageDocument page_of_forms(std::string url, std::vector<PageForm> forms);
 PageDocument page_of_links(std::string url, const std::vector<std::string>& texts);
 
 } // namespace kestrune

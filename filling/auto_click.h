@@ -1,0 +1,29 @@
+#pragma once
+
+#include "filling/live_page.h"
+#include "platform/control.h"
+#include "platform/menu.h"
+#include "platform/page.h"
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace kestrune {
+
+// What pressing a form's button needs of its window.
+struct ButtonPress {
+    const MenuItem& mnuAutoClick;
+    StatusBar& StatusBar1;
+};
+
+// When the auto-click switch is on: presses the form's first submit button, or, when it has none, the first
+// image button of the document that stands behind a text box with one of the recorded names (still encoded;
+// letter case does not matter). The user is told when there is neither. `document` holds the form.
+void AutoClick(LivePage& page, const PageDocument& document, const PageForm& form,
+               const std::vector<std::string>& fieldNames, const ButtonPress& window);
+
+// Tells the user, when the auto-click switch is on, that nothing could be pressed.
+void ReportNoAutoClick(const ButtonPress& window);
+
+} // namespace kestrune
