@@ -315,10 +315,11 @@ MemoryTable* MemoryDatabase::table(const std::string& path, std::string_view nam
 void MemoryDatabase::add_site(MemoryTable& table, const SiteRow& row) {
     std::vector<DatabaseValue> values(table.columns.size());
     const auto put = [&](std::string_view column, DatabaseValue value) {
-        for (std::size_t i = 0; i < table.columns.size(); ++i) {
-            if (same_column(table.columns[i], column))
-                values[i] = std::move(value);
-        }
+        const auto place =
+            std::find_if(table.columns.begin(), table.columns.end(),
+                         [column](const std::string& name) { return same_column(name, column); });
+        if (place != table.columns.end())
+            values[static_cast<std::size_t>(place - table.columns.begin())] = std::move(value);
     };
     put("padkey", std::int64_t{row.padkey});
     put("url", stored(row.url));

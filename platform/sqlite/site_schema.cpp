@@ -30,19 +30,23 @@ std::string list_index(const char* name, const char* pad_term) {
            pad_term;
 }
 
+// What the queue is sorted by, without and with its categories apart.
+const char* const by_rank =
+    "referral DESC, linkfound DESC, softtype COLLATE NOCASE, description COLLATE NOCASE";
+const char* const by_category =
+    "softtype COLLATE NOCASE, referral DESC, linkfound DESC, description COLLATE NOCASE";
+const char* const category_alone = "softtype COLLATE NOCASE";
+
 void create_indexes(SqliteConnection& database) {
-    const std::string category = "softtype COLLATE NOCASE";
-    const std::string rank = "referral DESC, linkfound DESC, ";
-    const std::string name = "description COLLATE NOCASE";
     using site_terms::with_pad;
     using site_terms::without_pad;
     for (const std::string& index :
-         {queue_index(site_index::queue_with_pad, rank + category + ", " + name, with_pad),
-          queue_index(site_index::queue_without_pad, rank + category + ", " + name, without_pad),
-          queue_index(site_index::category_queue_with_pad, category + ", " + rank + name, with_pad),
-          queue_index(site_index::category_queue_without_pad, category + ", " + rank + name, without_pad),
-          queue_index(site_index::count_with_pad, category, with_pad),
-          queue_index(site_index::count_without_pad, category, without_pad),
+         {queue_index(site_index::queue_with_pad, by_rank, with_pad),
+          queue_index(site_index::queue_without_pad, by_rank, without_pad),
+          queue_index(site_index::category_queue_with_pad, by_category, with_pad),
+          queue_index(site_index::category_queue_without_pad, by_category, without_pad),
+          queue_index(site_index::count_with_pad, category_alone, with_pad),
+          queue_index(site_index::count_without_pad, category_alone, without_pad),
           list_index(site_index::list_with_pad, with_pad),
           list_index(site_index::list_without_pad, without_pad),
           std::string("CREATE INDEX sites_by_url ON tblSubmitList(url)")})
