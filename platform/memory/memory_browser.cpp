@@ -93,6 +93,14 @@ void write(PageDocument& document, const PageEdit& edit) {
         write_element(input, edit);
 }
 
+// What a typed text means; empty when it is no address.
+std::string address_of(std::string_view typed) {
+    if (typed.empty() || typed.find(' ') != std::string_view::npos)
+        return {};
+    const bool has_scheme = typed.find("://") != std::string_view::npos || typed.substr(0, 6) == "about:";
+    return has_scheme ? std::string(typed) : "http://" + std::string(typed);
+}
+
 } // namespace
 
 MemoryBrowser::MemoryBrowser(WindowForm& form, BrowserEvents& events) : form_(form), events_(events) {}
@@ -104,12 +112,13 @@ MemoryBrowser::~MemoryBrowser() {
 
 void MemoryBrowser::Navigate(std::string_view url) {
     navigations.emplace_back(url);
-    start({.url = std::string(url)});
+    if (std::string address = address_of(url); !address.empty())
+        start({.url = std::move(address)});
 }
 
 void MemoryBrowser::GoBack() {
     ++back_count;
-    if (history_.size() < 2)
+    if (!can_go_back())
         return;
     history_.pop_back();
     std::string url = history_.back();
@@ -244,8 +253,17 @@ void MemoryBrowser::start(NavigateEvent event) {
     events_.BeforeNavigate2(std::move(event));
 }
 
+// The blank page that a window starts with is no page to go back to.
+bool MemoryBrowser::can_go_back() const {
+    const std::size_t first = !history_.empty() && history_.front() == "about:blank" ? 2 : 1;
+    return history_.size() > first;
+}
+
 void MemoryBrowser::announce_back() {
-    events_.CommandStateChange(BrowserEvents::navigate_back, history_.size() > 1);
+    if (back_announced_ == can_go_back())
+        return;
+    back_announced_ = can_go_back();
+    events_.CommandStateChange(BrowserEvents::navigate_back, *back_announced_);
 }
 
 PageLink link(std::string text) { return {{}, std::move(text)}; }
@@ -262,9 +280,10 @@ PageElement list_of(std::string type, std::string name,
                     const std::vector<std::pair<std::string, std::string>>& options) {
     PageElement made = element(std::move(type), std::move(name));
     for (const auto& [text, value] : options) {
-        PageOption& option = made.options.emplace_back();
+        PageOption option;
         option.text = text;
         option.value = value;
+        made.options.push_back(std::move(option));
     }
     return made;
 }

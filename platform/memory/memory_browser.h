@@ -74,12 +74,14 @@ private:
     [[nodiscard]] PageDocument* find(const DocumentId& id);
     void start(NavigateEvent event);
     void announce_back();
+    [[nodiscard]] bool can_go_back() const;
 
     WindowForm& form_;
     BrowserEvents& events_;
     std::optional<PageDocument> showing_;
     std::vector<std::string> history_;
     bool going_back_ = false;
+    std::optional<bool> back_announced_;
     int next_id_ = 1;
 };
 

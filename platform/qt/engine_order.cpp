@@ -1,8 +1,7 @@
 #include "platform/qt/engine_order.h"
 
-#include <QCoreApplication>
-#include <QMetaObject>
-#include <QObject>
+#include <QScopedPointer>
+#include <QTimer>
 
 #include <algorithm>
 #include <deque>
@@ -18,7 +17,9 @@ struct EventOrder::State {
     std::deque<Entry> entries;
     Place next = 1;
     bool closed = false;
-    QObject context; // its queued calls end with it
+    // A timer, not a posted event: from inside one of those a question's event loop would not see what was
+    // posted behind it, and the engine runs on posted events.
+    std::unique_ptr<QTimer, QScopedPointerDeleteLater> timer{new QTimer}; // can end inside its own signal
 
     Entry* find(Place place) {
         const auto found = std::find_if(entries.begin(), entries.end(),
@@ -38,23 +39,20 @@ void raise_what_is_ready(const std::shared_ptr<State>& state) {
     }
 }
 
-template <typename State>
-void schedule(const std::shared_ptr<State>& state) {
-    const std::weak_ptr<State> weak = state;
-    QMetaObject::invokeMethod(
-        &state->context,
-        [weak] {
-            if (const auto alive = weak.lock())
-                raise_what_is_ready(alive);
-        },
-        Qt::QueuedConnection);
-}
-
 } // namespace
 
-EventOrder::EventOrder() : state_(std::make_shared<State>()) {}
+EventOrder::EventOrder() : state_(std::make_shared<State>()) {
+    state_->timer->setSingleShot(true);
+    QObject::connect(state_->timer.get(), &QTimer::timeout, [weak = std::weak_ptr(state_)] {
+        if (const auto alive = weak.lock())
+            raise_what_is_ready(alive);
+    });
+}
 
-EventOrder::~EventOrder() { state_->closed = true; }
+EventOrder::~EventOrder() {
+    state_->closed = true;
+    state_->timer->stop();
+}
 
 EventOrder::Place EventOrder::keep() {
     state_->entries.push_back({state_->next, {}});
@@ -64,7 +62,7 @@ EventOrder::Place EventOrder::keep() {
 void EventOrder::fill(Place place, Raise raise) {
     if (State::Entry* const entry = state_->find(place)) {
         entry->raise = std::move(raise);
-        schedule(state_);
+        state_->timer->start(0);
     }
 }
 

@@ -27,8 +27,9 @@
     'use strict';
 
     const key = 'kestrune';
-    // The engine runs scripts again in some documents, and a document can have been adopted by the top frame.
-    if (globalThis[key] && globalThis[key].document === document)
+    // The engine runs scripts again in some documents.
+    const before = globalThis[key];
+    if (before && before.document === document && !before.adopted)
         return;
 
     // A page names its controls as it likes, and a form or document shows them under these names in place of its
@@ -66,7 +67,7 @@
     const html = 'http://www.w3.org/1999/xhtml';
     // Types that only say what kind of text is wanted.
     const textTypes = new Set(['email', 'url', 'tel', 'number', 'search', 'date', 'datetime-local', 'month', 'week', 'time']);
-    const limits = { elements: 200000, tags: 100000, frames: 500, depth: 20, text: 4 << 20, inline: 32768, images: 8 };
+    const limits = { elements: 200000, tags: 100000, frames: 200, depth: 20, text: 4 << 20, inline: 32768, images: 8 };
 
     function randomId() {
         const bytes = crypto.getRandomValues(new Uint8Array(16));
@@ -131,7 +132,6 @@
             this.document = view.document;
             this.id = randomId();
             this.complete = false;
-            this.announced = false;
             this.numbers = new WeakMap();
             this.elements = new Map();
             this.imageCount = 0;
@@ -297,7 +297,9 @@
             document.addEventListener('DOMContentLoaded', parsed, true);
         };
         arm();
-        if (native.readyState(document) === 'complete')
+        if (agent.complete)
+            completed();
+        else if (native.readyState(document) === 'complete')
             after(complete);
         return { arm, complete };
     }
@@ -307,7 +309,8 @@
         new MutationObserver(arm).observe(document, { childList: true });
     }
 
-    const agent = new Agent(window);
+    // The top frame may have come first.
+    const agent = before && before.document === document ? before.agent : new Agent(window);
     const ours = { document, agent };
     Object.defineProperty(globalThis, key, { value: ours, configurable: true });
     const errorPage = location.protocol === 'chrome-error:';
@@ -350,7 +353,7 @@
     // What the top frame knows of a document in a frame.
     class Remote {
         constructor(view, origin, id, url, port) {
-            Object.assign(this, { view, origin, id, port, url: '', complete: false, announced: false });
+            Object.assign(this, { view, origin, id, port, url: '', complete: false });
             this.readUrl(url);
             this.waiting = new Map();
             this.nextNumber = 1;
@@ -401,8 +404,9 @@
     }
 
     function serveTop() {
-        const remotes = new Map();
-        const adopted = new WeakMap();
+        const remotes = new Map(); // by window
+        const byId = new Map();
+        const announced = new Set();
         const results = new Map();
         let messages = 0;
 
@@ -417,25 +421,25 @@
         function forget(remote) {
             if (remotes.get(remote.view) === remote)
                 remotes.delete(remote.view);
+            if (byId.get(remote.id) === remote)
+                byId.delete(remote.id);
             remote.close();
         }
 
         // The engine runs no script in some empty or written documents. Those that may be reached are looked
-        // after from here; an empty document that only waits for a frame's first page is left alone.
+        // after from here until a script of their own comes; an empty document that only waits for a frame's
+        // first page is left alone.
         function adopt(view) {
             try {
                 const its = view.document;
                 if (view[key] && view[key].document === its)
                     return view[key].agent;
-                if (adopted.has(its))
-                    return adopted.get(its);
                 const src = view.frameElement ? native.attribute(view.frameElement, 'src') || '' : '';
                 if (view.location.href === 'about:blank' && !/^\s*($|about:|javascript:)/i.test(src))
                     return null;
                 const agent = new Agent(view);
                 agent.complete = native.readyState(its) === 'complete';
-                adopted.set(its, agent);
-                view[key] = { document: its, agent };
+                Object.defineProperty(view, key, { value: { document: its, agent, adopted: true }, configurable: true });
                 return agent;
             } catch (error) {
                 return null;
@@ -447,8 +451,10 @@
         }
 
         function framesOf(view) {
+            // Each look at a window's frames walks all of them.
+            const count = Math.min(view.length, limits.frames);
             const frames = [];
-            for (let i = 0; i < view.length && i < limits.frames; ++i)
+            for (let i = 0; i < count; ++i)
                 frames.push(view[i]);
             return frames;
         }
@@ -464,6 +470,8 @@
         function find(id) {
             if (agent.id === id)
                 return agent;
+            if (byId.has(id))
+                return byId.get(id);
             return below(window).map(agentOf).find((other) => other && other.id === id) || null;
         }
 
@@ -473,10 +481,19 @@
             return Promise.all(asked.map((remote) => remote.ask('ping')));
         }
 
+        let stoppedAt = -Infinity;
+
+        // A frame's first message can still be under way when the document that it lies in completes.
+        async function connected(view) {
+            const end = performance.now() + config.answer / 8;
+            while (performance.now() < end && below(view).some((frame) => !agentOf(frame)))
+                await new Promise(after);
+        }
+
         function raise(one) {
-            if (one.announced || one.error || agentOf(one.view) !== one)
+            if (announced.has(one.id) || one.error || agentOf(one.view) !== one)
                 return;
-            one.announced = true;
+            announced.add(one.id);
             tell({ event: 'complete', id: one.id, url: one.url });
         }
 
@@ -484,8 +501,10 @@
         function announce(one) {
             announcing = announcing.then(async () => {
                 const inner = below(one.view);
-                if (inner.length > 0)
+                if (inner.length > 0) {
+                    await connected(one.view);
                     await settle(one.view);
+                }
                 for (const frame of below(one.view)) {
                     const other = agentOf(frame);
                     if (other && other.complete)
@@ -528,7 +547,7 @@
             const one = find(id);
             if (!one)
                 return 'null';
-            if (one instanceof Agent && one.view.length === 0)
+            if (!(one instanceof Remote) && one.view.length === 0)
                 return JSON.stringify(one.image(parts));
             gather(one, parts).then((image) => deliver(request, JSON.stringify(image)),
                 () => deliver(request, 'null'));
@@ -557,6 +576,7 @@
 
         const watching = watch(agent, () => announce(agent));
         ours.stop = () => {
+            stoppedAt = performance.now();
             for (const remote of remotes.values())
                 remote.send('stop');
             watching.complete();
@@ -589,7 +609,10 @@
             const remote = new Remote(event.source, event.origin, data.id, data.url, event.ports[0]);
             remote.error = data.error === true;
             remotes.set(event.source, remote);
+            byId.set(remote.id, remote);
             remote.port.onmessage = (message) => fromFrame(remote, message.data);
+            if (performance.now() - stoppedAt < config.answer)
+                remote.send('stop');
             tell({ event: 'frame' });
         };
         const arm = () => {

@@ -157,6 +157,8 @@ std::optional<PageDocument> QtBrowser::Engine::take_image(const DocumentId& docu
             waiting->quit();
     });
     // What the user does meanwhile waits: its handler would run inside the one that asks.
+    // Asked for from inside a posted event, the loop would sleep on the engine's own events posted behind it.
+    loop.wakeUp();
     if (!result->done)
         loop.exec(QEventLoop::ExcludeUserInputEvents);
     return std::move(result->image);

@@ -23,13 +23,13 @@ protected:
     }
 
     // Loads a page and waits for its document.
-    const PageDocument& open(const std::string& url) {
+    PageDocument open(const std::string& url) {
         const std::size_t before = probe_.completed.size();
         browser_->Navigate(url);
         const bool came =
             wait_until([&] { return probe_.completed.size() > before && probe_.last().url == url; });
         EXPECT_TRUE(came) << url << " did not complete";
-        return probe_.completed.back();
+        return came ? probe_.last() : PageDocument{};
     }
 
     // Raises everything that is still under way: what a test says did not happen had its chance.

@@ -11,7 +11,7 @@ namespace kestrune {
 
 // Serves events until the condition holds; false when it does not within a generous bound.
 inline bool wait_until(const std::function<bool()>& holds,
-                       std::chrono::milliseconds bound = std::chrono::seconds(20)) {
+                       std::chrono::milliseconds bound = std::chrono::seconds(60)) {
     QElapsedTimer clock;
     clock.start();
     QTimer tick; // the bound holds though nothing happens
