@@ -71,7 +71,7 @@ public:
         throw DriveError("there is no " + std::string(name) + " in " + inside.objectName().toStdString());
     }
 
-    // Presses a button with the mouse, at its middle, where nothing may cover it. Returns when the press has
+    // Presses a button or option with the mouse, where nothing may cover it. Returns when the press has
     // been handled, dialogs that it brings up included.
     void press(std::string_view name);
     void press(QWidget& inside, std::string_view name);

@@ -139,8 +139,6 @@ void Tour::open_next(const Site& site, std::size_t number, std::size_t left, boo
     wanted("status panel 3", driver_.status(3),
            std::to_string(left) + (with_pad ? " PAD Sites left" : " Non-PAD Sites left"));
     let_happen(visit);
-    if (visited)
-        visited(visit);
 }
 
 void Tour::finish(bool with_pad) {
@@ -167,8 +165,11 @@ void Tour::press_submit() {
     driver_.press("cmdPlayback");
     if (std::exchange(marking_, false))
         before->problems.emplace_back("its outcome was not asked for");
-    if (before != nullptr && !already_marked_)
+    if (before != nullptr && !already_marked_) {
         check_marked(*before);
+        if (visited)
+            visited(*before);
+    }
     already_marked_ = false;
 }
 

@@ -57,7 +57,7 @@ public:
     Tour(Tour&&) = delete;
     Tour& operator=(Tour&&) = delete;
 
-    // Called after each visit, before the next site opens.
+    // Called when a visit is over: its outcome is marked and the next site is opening.
     std::function<void(const Visit&)> visited;
 
     // Every site that is not left out, in the order of the queue, those with PAD first. Throws DriveError
