@@ -261,8 +261,11 @@ PageElement element(std::string type, std::string name, std::string value) {
 PageElement list_of(std::string type, std::string name,
                     const std::vector<std::pair<std::string, std::string>>& options) {
     PageElement made = element(std::move(type), std::move(name));
-    for (const auto& [text, value] : options)
-        made.options.push_back({{}, text, value, false});
+    for (const auto& [text, value] : options) {
+        PageOption& option = made.options.emplace_back();
+        option.text = text;
+        option.value = value;
+    }
     return made;
 }
 

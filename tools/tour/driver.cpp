@@ -97,8 +97,7 @@ void wait_for(std::string_view what, const std::function<bool()>& condition, std
     while (!late && !condition())
         loop.exec();
     if (!condition())
-        throw DriveError("waited " + std::to_string(time.count() / 1000) + " s in vain for " +
-                         std::string(what));
+        throw DriveError("waited " + std::to_string(time.count()) + " ms in vain for " + std::string(what));
 }
 
 void wake() {
@@ -117,7 +116,8 @@ QString Driver::to_name(std::string_view name) {
 
 void Driver::wait(std::string_view what, const std::function<bool()>& condition) {
     check();
-    wait_for(what, [&] { return error_ != nullptr || condition(); });
+    wait_for(
+        what, [&] { return error_ != nullptr || condition(); }, patience_);
     check();
 }
 

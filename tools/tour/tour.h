@@ -8,6 +8,7 @@
 #include "tools/tour/driver.h"
 #include "tools/tour/watched_interface.h"
 
+#include <chrono>
 #include <cstddef>
 #include <filesystem>
 #include <functional>
@@ -56,6 +57,9 @@ public:
     Tour& operator=(const Tour&) = delete;
     Tour(Tour&&) = delete;
     Tour& operator=(Tour&&) = delete;
+
+    // How long a site may take to do what it is to do.
+    void set_patience(std::chrono::milliseconds time) { driver_.set_patience(time); }
 
     // Called when a visit is over: its outcome is marked and the next site is opening.
     std::function<void(const Visit&)> visited;
