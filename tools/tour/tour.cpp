@@ -47,14 +47,14 @@ Tour::Tour(UserInterface& ui, practice::PracticeServer& server, const std::files
                                                        }),
       library_((program_folder / std::string(site_library_name)).string()),
       program_(ui_, files_, database_, program_folder.string()) {
-    make_library(program_folder);
+    make_library();
     server_.log().set_listener([](const practice::Request& /*request*/) { drive::wake(); });
     driver_.answer_with([this](QDialog& dialog) { answer(dialog); });
 }
 
 Tour::~Tour() { server_.log().set_listener(nullptr); }
 
-void Tour::make_library(const std::filesystem::path& /*folder*/) {
+void Tour::make_library() {
     std::vector<SiteRow> rows;
     for (const Site& site : server_.sites()) {
         if (!site.left_out.empty())

@@ -72,7 +72,7 @@ private:
     using Sites = std::vector<const practice::Site*>;
 
     // The queue (tour.cpp)
-    void make_library(const std::filesystem::path& folder);
+    void make_library();
     void select_categories();
     void play_list(bool with_pad);
     [[nodiscard]] Sites queue(bool with_pad) const;
