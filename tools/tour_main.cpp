@@ -35,14 +35,12 @@ int play(kestrune::UserInterface& ui, const fs::path& output) {
     if (!folder.isValid())
         throw std::runtime_error("cannot make a temporary program folder");
 
-    std::size_t failed = 0;
     kestrune::tour::Tour tour(ui, server, folder.path().toStdString(), output);
+    tour.visited = [](const Visit& visit) { std::cout << kestrune::tour::summary_line(visit) << std::endl; };
     const auto& visits = tour.play();
-    for (const Visit& visit : visits) {
-        std::cout << kestrune::tour::summary_line(visit) << '\n';
-        failed += visit.problems.empty() ? 0 : 1;
-    }
     kestrune::tour::write_index(output, visits, server.sites());
+    const auto failed =
+        std::ranges::count_if(visits, [](const Visit& visit) { return !visit.problems.empty(); });
     std::cout << visits.size() << " visits, " << failed << " failed; pictures in "
               << (output / "index.html").string() << '\n';
     return failed == 0 ? 0 : 1;

@@ -18,9 +18,11 @@ struct FileKind {
     bool text;
 };
 
-constexpr std::array<FileKind, 11> kinds{{
+constexpr std::array<FileKind, 13> kinds{{
     {".html", "text/html; charset=utf-8", true},
     {".htm", "text/html; charset=utf-8", true},
+    {".php", "text/html; charset=utf-8", true},
+    {".asp", "text/html; charset=utf-8", true},
     {".css", "text/css; charset=utf-8", true},
     {".js", "text/javascript; charset=utf-8", true},
     {".txt", "text/plain; charset=utf-8", true},

@@ -11,6 +11,8 @@
 #include <QPainter>
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <QRadioButton>
+#include <QStyle>
 #include <QTimer>
 
 #include <utility>
@@ -24,6 +26,14 @@ bool within(const QWidget* widget, const QWidget* ancestor) {
     return widget == ancestor || (widget != nullptr && ancestor->isAncestorOf(widget));
 }
 
+// Where a press works: an option is pressed at its mark, because the rest of its row may be empty.
+QPoint handle_of(const QWidget& widget) {
+    const QPoint middle = widget.rect().center();
+    if (const auto* const option = qobject_cast<const QRadioButton*>(&widget))
+        return {option->style()->pixelMetric(QStyle::PM_ExclusiveIndicatorWidth) / 2, middle.y()};
+    return middle;
+}
+
 // What keeps the user from pressing this; empty when nothing does.
 std::string obstacle(const QWidget& widget) {
     if (!widget.isVisible())
@@ -33,8 +43,7 @@ std::string obstacle(const QWidget& widget) {
     const QWidget* modal = QApplication::activeModalWidget();
     if (modal != nullptr && !within(&widget, modal))
         return "is behind the dialog " + modal->objectName().toStdString();
-    const QPoint middle = widget.rect().center();
-    const QWidget* top = widget.window()->childAt(widget.mapTo(widget.window(), middle));
+    const QWidget* top = widget.window()->childAt(widget.mapTo(widget.window(), handle_of(widget)));
     if (!within(top, &widget))
         return "is covered by " + (top == nullptr ? std::string("nothing") : top->objectName().toStdString());
     return {};
@@ -43,12 +52,12 @@ std::string obstacle(const QWidget& widget) {
 void click(QWidget& widget) {
     if (const std::string why = obstacle(widget); !why.empty())
         throw DriveError(widget.objectName().toStdString() + " " + why);
-    const QPoint middle = widget.rect().center();
-    const QPoint on_screen = widget.mapToGlobal(middle);
+    const QPoint handle = handle_of(widget);
+    const QPoint on_screen = widget.mapToGlobal(handle);
     const QPointer<QWidget> target(&widget);
     for (const auto kind : {QEvent::MouseButtonPress, QEvent::MouseButtonRelease}) {
         const Qt::MouseButtons held = kind == QEvent::MouseButtonPress ? Qt::LeftButton : Qt::NoButton;
-        QMouseEvent event(kind, middle, on_screen, Qt::LeftButton, held, Qt::NoModifier);
+        QMouseEvent event(kind, handle, on_screen, Qt::LeftButton, held, Qt::NoModifier);
         if (target)
             QCoreApplication::sendEvent(target, &event);
     }
@@ -88,8 +97,7 @@ void wait_for(std::string_view what, const std::function<bool()>& condition, std
     while (!late && !condition())
         loop.exec();
     if (!condition())
-        throw DriveError("waited " + std::to_string(time.count() / 1000) + " s in vain for " +
-                         std::string(what));
+        throw DriveError("waited " + std::to_string(time.count()) + " ms in vain for " + std::string(what));
 }
 
 void wake() {
@@ -108,7 +116,8 @@ QString Driver::to_name(std::string_view name) {
 
 void Driver::wait(std::string_view what, const std::function<bool()>& condition) {
     check();
-    wait_for(what, [&] { return error_ != nullptr || condition(); });
+    wait_for(
+        what, [&] { return error_ != nullptr || condition(); }, patience_);
     check();
 }
 

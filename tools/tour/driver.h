@@ -56,6 +56,8 @@ public:
     // Without an answerer every dialog is an error.
     void answer_with(Answerer answerer) { answerer_ = std::move(answerer); }
 
+    // How long `wait` waits.
+    void set_patience(std::chrono::milliseconds time) { patience_ = time; }
     // wait_for, but an error from answering a dialog meanwhile is thrown here.
     void wait(std::string_view what, const std::function<bool()>& condition);
     // Throws an error from answering a dialog that is still to be reported.
@@ -71,7 +73,7 @@ public:
         throw DriveError("there is no " + std::string(name) + " in " + inside.objectName().toStdString());
     }
 
-    // Presses a button with the mouse, at its middle, where nothing may cover it. Returns when the press has
+    // Presses a button or option with the mouse, where nothing may cover it. Returns when the press has
     // been handled, dialogs that it brings up included.
     void press(std::string_view name);
     void press(QWidget& inside, std::string_view name);
@@ -96,6 +98,7 @@ private:
     void serve(QDialog& dialog);
 
     Answerer answerer_;
+    std::chrono::milliseconds patience_ = patience;
     std::exception_ptr error_;
     QPointer<QDialog> open_; // the dialog that is being answered
 };

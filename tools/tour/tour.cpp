@@ -47,14 +47,14 @@ Tour::Tour(UserInterface& ui, practice::PracticeServer& server, const std::files
                                                        }),
       library_((program_folder / std::string(site_library_name)).string()),
       program_(ui_, files_, database_, program_folder.string()) {
-    make_library(program_folder);
+    make_library();
     server_.log().set_listener([](const practice::Request& /*request*/) { drive::wake(); });
     driver_.answer_with([this](QDialog& dialog) { answer(dialog); });
 }
 
 Tour::~Tour() { server_.log().set_listener(nullptr); }
 
-void Tour::make_library(const std::filesystem::path& /*folder*/) {
+void Tour::make_library() {
     std::vector<SiteRow> rows;
     for (const Site& site : server_.sites()) {
         if (!site.left_out.empty())
@@ -139,8 +139,6 @@ void Tour::open_next(const Site& site, std::size_t number, std::size_t left, boo
     wanted("status panel 3", driver_.status(3),
            std::to_string(left) + (with_pad ? " PAD Sites left" : " Non-PAD Sites left"));
     let_happen(visit);
-    if (visited)
-        visited(visit);
 }
 
 void Tour::finish(bool with_pad) {
@@ -167,8 +165,11 @@ void Tour::press_submit() {
     driver_.press("cmdPlayback");
     if (std::exchange(marking_, false))
         before->problems.emplace_back("its outcome was not asked for");
-    if (before != nullptr && !already_marked_)
+    if (before != nullptr && !already_marked_) {
         check_marked(*before);
+        if (visited)
+            visited(*before);
+    }
     already_marked_ = false;
 }
 

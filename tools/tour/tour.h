@@ -8,6 +8,7 @@
 #include "tools/tour/driver.h"
 #include "tools/tour/watched_interface.h"
 
+#include <chrono>
 #include <cstddef>
 #include <filesystem>
 #include <functional>
@@ -57,7 +58,10 @@ public:
     Tour(Tour&&) = delete;
     Tour& operator=(Tour&&) = delete;
 
-    // Called after each visit, before the next site opens.
+    // How long a site may take to do what it is to do.
+    void set_patience(std::chrono::milliseconds time) { driver_.set_patience(time); }
+
+    // Called when a visit is over: its outcome is marked and the next site is opening.
     std::function<void(const Visit&)> visited;
 
     // Every site that is not left out, in the order of the queue, those with PAD first. Throws DriveError
@@ -68,7 +72,7 @@ private:
     using Sites = std::vector<const practice::Site*>;
 
     // The queue (tour.cpp)
-    void make_library(const std::filesystem::path& folder);
+    void make_library();
     void select_categories();
     void play_list(bool with_pad);
     [[nodiscard]] Sites queue(bool with_pad) const;

@@ -19,13 +19,17 @@ using practice::Request;
 using practice::Site;
 
 // A page that never paints (it has gone, or its process has) is not waited for longer than this many answers.
-constexpr int most_questions_about_painting = 40;
+constexpr int most_questions_about_painting = 400;
 
-// Counts the frames that the page has painted since it was first asked; in a world the page cannot see.
+// A frame goes through a short pipeline before it is on the widget; when this many have begun, the first is
+// there.
+constexpr int enough_frames = 8;
+
+// Counts the frames that the page has begun since it was first asked; in a world the page cannot see.
 constexpr auto painted_frames = R"((() => {
     if (self.kestruneTourFrames === undefined) {
         self.kestruneTourFrames = 0;
-        const count = () => { if (++self.kestruneTourFrames < 3) requestAnimationFrame(count); };
+        const count = () => { if (++self.kestruneTourFrames < 100) requestAnimationFrame(count); };
         requestAnimationFrame(count);
     }
     return self.kestruneTourFrames;
@@ -168,7 +172,7 @@ void Tour::take_picture(Visit& visit, std::string_view what, const std::string& 
 
 void Tour::wait_until_painted() {
     int frames = -1;
-    for (int i = 0; i < most_questions_about_painting && frames < 3; ++i) {
+    for (int i = 0; i < most_questions_about_painting && frames < enough_frames; ++i) {
         bool answered = false;
         const auto answer =
             std::make_shared<std::function<void(const QVariant&)>>([&](const QVariant& value) {
