@@ -23,23 +23,27 @@ TEST_F(NavigationTest, BackInTheFirstWindowIsDisabledUntilThereIsHistoryAndAgain
     EXPECT_FALSE(window().cmdBack.Enabled.get());
     EXPECT_FALSE(window().bBackEnabled);
     browse_to("http://one/");
+    browse_to("http://two/");
     EXPECT_TRUE(window().cmdBack.Enabled.get());
     EXPECT_TRUE(window().bBackEnabled);
     window().cmdBack.press();
     EXPECT_TRUE(window().gbGobackFlag);
     arrive();
-    EXPECT_EQ(browser().location, "about:blank");
+    EXPECT_EQ(browser().location, "http://one/");
     EXPECT_FALSE(window().cmdBack.Enabled.get());
+    EXPECT_FALSE(window().bBackEnabled);
 }
 
 TEST_F(NavigationTest, BackHidesThePanelWhenAutoHideIsOn) {
     browse_to("http://one/");
+    browse_to("http://two/");
     window().cmdBack.press();
     EXPECT_TRUE(window().mnuHideRecord.Checked.get());
 }
 
 TEST_F(NavigationTest, OnlyTheCommandForGoingBackIsHandled) {
     browse_to("http://one/");
+    browse_to("http://two/");
     browser().events().CommandStateChange(1, false);
     EXPECT_TRUE(window().cmdBack.Enabled.get());
     EXPECT_TRUE(window().bBackEnabled);
@@ -162,6 +166,7 @@ TEST_F(NavigationTest, AboutIsShownFromTheHelpMenu) {
 
 TEST_F(NavigationTest, KeysReloadStopAndGoBack) {
     browse_to("http://one/");
+    browse_to("http://two/");
     press_key("Esc");
     EXPECT_EQ(browser().stop_count, 1);
     press_key("Alt+Left");
