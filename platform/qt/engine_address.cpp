@@ -1,5 +1,7 @@
 #include "platform/qt/engine_address.h"
 
+#include "platform/qt/own_pages.h"
+
 #include <QString>
 
 #include <algorithm>
@@ -42,13 +44,14 @@ std::optional<QUrl> typed_address(std::string_view typed) {
     const QString scheme = url.scheme();
     if (scheme == QLatin1String("http") || scheme == QLatin1String("https"))
         return url.host().isEmpty() ? std::nullopt : std::optional(url);
-    if (is_blank_page(url) || scheme == QLatin1String("file"))
+    if (is_blank_page(url) || scheme == QLatin1String("file") || scheme == QLatin1String(OwnPages::scheme))
         return url;
     return std::nullopt;
 }
 
 bool may_be_visited(const QUrl& url) {
-    static constexpr std::array schemes = {"http", "https", "file", "data", "blob", "about"};
+    static constexpr std::array schemes = {"http", "https", "file",          "data",
+                                           "blob", "about", OwnPages::scheme};
     const QString scheme = url.scheme();
     return std::any_of(schemes.begin(), schemes.end(),
                        [&scheme](const char* allowed) { return scheme == QLatin1String(allowed); });

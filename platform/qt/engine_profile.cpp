@@ -1,6 +1,7 @@
 #include "platform/qt/engine_profile.h"
 
 #include "platform/diagnostics.h"
+#include "platform/qt/own_pages.h"
 
 #include <QString>
 #include <QWebEngineDownloadRequest>
@@ -52,6 +53,7 @@ void restrict(QWebEngineSettings& settings) {
 
 EngineProfile::EngineProfile(const std::filesystem::path& folder) : profile_(make_profile(folder)) {
     restrict(*profile_->settings());
+    profile_->installUrlSchemeHandler(OwnPages::scheme, new OwnPages(profile_.get())); // owned by the profile
     QObject::connect(profile_.get(), &QWebEngineProfile::downloadRequested,
                      [](QWebEngineDownloadRequest* download) {
                          diagnostics::report("download refused", download->url().toString().toStdString());

@@ -1,6 +1,7 @@
 #include "platform/qt/qt_desktop.h"
 
 #include "platform/diagnostics.h"
+#include "platform/qt/own_pages.h"
 #include "platform/qt/qt_text.h"
 #include "platform/qt/qt_user_interface.h"
 
@@ -33,8 +34,9 @@ struct QtDesktop::Parts {
     std::unique_ptr<QtUserInterface> user_interface;
 };
 
-QtDesktop::QtDesktop(int& argument_count, char** arguments)
-    : parts_(std::make_unique<Parts>(argument_count, arguments)) {
+QtDesktop::QtDesktop(int& argument_count, char** arguments) {
+    OwnPages::register_scheme();
+    parts_ = std::make_unique<Parts>(argument_count, arguments);
     load_resources();
     QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
     QCoreApplication::setApplicationName(QStringLiteral("Kestrune"));

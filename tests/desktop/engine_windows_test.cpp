@@ -10,9 +10,10 @@ protected:
     EngineWindows() {
         server_.page("/end-of-test", "the end");
         server_.page("/wanted", "<a href=/x>wanted</a>");
-        server_.page("/opener",
-                     "<a href=/wanted target=_blank>go</a><input type=checkbox onclick=\"window.open('/wanted')\">"
-                     "<form action=/wanted method=post target=_blank><button>go</button></form>");
+        server_.page(
+            "/opener",
+            "<a href=/wanted target=_blank>go</a><input type=checkbox onclick=\"window.open('/wanted')\">"
+            "<form action=/wanted method=post target=_blank><button>go</button></form>");
         probe_.on_new_window = [this]() -> Browser* { return open_window(); };
     }
 
