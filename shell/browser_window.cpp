@@ -7,7 +7,8 @@ namespace kestrune {
 BrowserWindow::BrowserWindow(Program& program, BrowserWindow* opener)
     : objParentForm(opener), glngPopupLevel(opener == nullptr ? 0 : opener->glngPopupLevel + 1),
       gstrSessionPath(program.record_files().gstrSessionPath()), program_(program),
-      store_(record_panel(), program.record_files(), program.library(), program.ui(), {}),
+      store_(record_panel(), program.record_files(), program.library(), program.ui(),
+             [this](std::string_view text) { read_profile(text); }),
       editor_(record_panel(), store_, program.record_files(), program.ui()) {
     wire();
     browser_ = program_.ui().open_window(form, *this);

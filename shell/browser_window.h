@@ -117,6 +117,8 @@ public:
     // Pop-up windows (popups.cpp)
     BrowserWindow& OpenPopupWindow();
 
+    // The program's product profile, complete: waits for the load that reads it.
+    [[nodiscard]] FrmPreference& frmPreference();
     [[nodiscard]] Browser& browser() { return *browser_; }
     // What page processing works on in this window.
     [[nodiscard]] PageProcessing page_processing();
@@ -141,6 +143,8 @@ private:
     void show_panel();
     void hide_panel();
 
+    void read_profile(std::string_view text);
+
     bool may_open_popup();
     void show_site_tab(int tab, const std::string& count);
     [[nodiscard]] SubmitStatusControls submit_status_controls();
@@ -150,6 +154,7 @@ private:
     Program& program_;
     PermanentStore store_;
     RecordEditor editor_;
+    int loads_ = 0; // of the permanent records, apart from those that a later one cut short
     EventQueue events_;
     // Counts the navigations of the top window: a completion that waited in the queue while the page was left
     // is dropped.
