@@ -179,7 +179,7 @@ bool SelectOptionByPattern(LivePage& page, PageElement& list, std::string_view p
 FillReport FillAllFields(LivePage& page, const FrmPreference& profile) {
     FillReport reports;
     PageDocument* const document = page.document();
-    PageForm* const form = document == nullptr ? nullptr : form_of(*document, document->active_element);
+    PageForm* const form = document == nullptr ? nullptr : form_of(*document, document->active_element.ref);
     if (form == nullptr)
         return reports;
     const LabelTable labels = table_for(*document, *form);

@@ -82,12 +82,13 @@ struct PageDocument {
     // the next ">", one entry for each, in order; the search goes on after that ">" and ends at a hit without
     // one. Scripts and comments count like any other text.
     std::vector<std::string> form_tags;
-    std::vector<PageLink> links;      // document.links, in order; only when asked for
-    std::vector<PageForm> forms;      // document.forms, in order; only when asked for
-    // document.activeElement; its element is 0 when that is none of the elements shown. Comes with the forms.
-    ElementRef active_element;
-    // documentElement.innerHTML, an open shadow root as a <template shadowroot> at the start of its host; only
-    // with the labels.
+    std::vector<PageLink> links; // document.links, in order; only when asked for
+    std::vector<PageForm> forms; // document.forms, in order; only when asked for
+    // document.activeElement when that is a field (an INPUT, a TEXTAREA or a SELECT), in a form or not; its
+    // ref's element is 0 otherwise. Comes with the forms.
+    PageElement active_element;
+    // documentElement.innerHTML, an open shadow root as a <template shadowroot> at the start of its host;
+    // only with the labels.
     std::string source;
     std::vector<PageElement> inputs;  // every INPUT of the document, in document order; comes with the forms
     std::vector<PageDocument> frames; // document.frames, in order, of any origin; a frame that gave no answer
@@ -102,6 +103,7 @@ struct PageEdit {
         value,  // the element's value becomes `text`
         check,  // the radio button or check box becomes checked
         select, // the option becomes selected; ref is the option's
+        focus,  // the element gets the focus, as if the user had gone there
     };
     Kind kind = Kind::click;
     ElementRef ref;

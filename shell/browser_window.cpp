@@ -51,6 +51,7 @@ void BrowserWindow::wire() {
 }
 
 void BrowserWindow::wire_menus() {
+    fill_menu.on_choice = [this](std::int32_t index) { glngMnuIdx = index; };
     mnuSetting.Click = in_turn(&BrowserWindow::mnuSetting_Click);
     mnuExit.Click = in_turn(&BrowserWindow::mnuExit_Click);
     mnuWithPAD.Click = in_turn(&BrowserWindow::mnuWithPAD_Click);
@@ -78,6 +79,7 @@ void BrowserWindow::wire_keys() {
     form.Shortcuts = {
         {"Alt+Left", [this] { cmdBack.press(); }},
         {"F9", [this] { cmdPlayback.press(); }},
+        {"F8", in_turn(&BrowserWindow::show_fill_report)},
         {"F5", in_turn(&BrowserWindow::reload)},
         {"Esc", in_turn(&BrowserWindow::stop)},
         {"Ctrl+L", in_turn(&BrowserWindow::open_address)},

@@ -236,7 +236,7 @@ TEST_F(PadMatcherTest, OnlyTheFormOfTheActiveElementIsFilled) {
     add("text", "first", "Program name");
     add_form();
     add("text", "second", "Program name");
-    image.active_element = image.forms[1].elements[0].ref;
+    image.active_element.ref = image.forms[1].elements[0].ref;
     fill();
     EXPECT_EQ(written_to("first"), "nothing");
     EXPECT_EQ(written_to("second"), "txtProgramName");
@@ -244,18 +244,18 @@ TEST_F(PadMatcherTest, OnlyTheFormOfTheActiveElementIsFilled) {
 
 TEST_F(PadMatcherTest, NothingIsFilledWhenNoFormHoldsTheActiveElement) {
     add("text", "a", "Program name");
-    image.active_element = next_ref();
+    image.active_element.ref = next_ref();
     EXPECT_THAT(fill(), IsEmpty());
-    image.active_element = {};
+    image.active_element.ref = {};
     EXPECT_THAT(fill(), IsEmpty());
-    image.active_element = {"another document", image.forms[0].elements[0].ref.element};
+    image.active_element.ref = {"another document", image.forms[0].elements[0].ref.element};
     EXPECT_THAT(fill(), IsEmpty());
     EXPECT_THAT(browser.edits, IsEmpty());
 }
 
 TEST_F(PadMatcherTest, ActiveElementMayBeAnyElementOfTheForm) {
     add("text", "a", "Program name");
-    image.active_element = add("submit", "send", "").ref;
+    image.active_element.ref = add("submit", "send", "").ref;
     fill();
     EXPECT_EQ(written_to("a"), "txtProgramName");
 }

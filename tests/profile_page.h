@@ -71,8 +71,8 @@ protected:
         element.name = name;
         auto& elements = image.forms.back().elements;
         elements.push_back(std::move(element));
-        if (image.active_element.element == 0)
-            image.active_element = elements.back().ref;
+        if (image.active_element.ref.element == 0)
+            image.active_element.ref = elements.back().ref;
         return elements.back();
     }
 
