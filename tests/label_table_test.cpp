@@ -237,7 +237,7 @@ TEST(LabelTable, TableAroundALoneFieldTakesTheTextOfTheRowAroundIt) {
 }
 
 TEST(LabelTable, LayoutRowGivesALabelLessFieldOfALongFormNothing) {
-    std::string rows_of_form;
+    std::string rows_of_form = "<tr>" + cell(input("first")) + "</tr>";
     for (const char* name : {"a", "b", "c", "d", "e"})
         rows_of_form += "<tr>" + cell("Text " + std::string(name)) + cell(input(name)) +
                         "</tr><tr><td></td>" + cell(input(std::string(name) + "2")) + "</tr>";
@@ -245,6 +245,7 @@ TEST(LabelTable, LayoutRowGivesALabelLessFieldOfALongFormNothing) {
         row(cell("Program name and version") + cell("<table>" + rows_of_form + "</table>"));
     EXPECT_EQ(label(page, "b"), "Text b");
     EXPECT_EQ(label(page, "b2"), "");
+    EXPECT_EQ(label(page, "first"), "");
 }
 
 TEST(LabelTable, FieldsLaidOutWithoutATableOfTheirOwnAreReadByTheirLines) {
