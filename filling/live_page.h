@@ -30,7 +30,9 @@ public:
 
     // Makes sure that the image holds these parts, taking it anew if it does not.
     void need(PageParts parts) {
-        const PageParts all{parts.links || parts_.links, parts.forms || parts_.forms};
+        const PageParts all{.links = parts.links || parts_.links,
+                            .forms = parts.forms || parts_.forms,
+                            .labels = parts.labels || parts_.labels};
         if (!(all == parts_)) {
             parts_ = all;
             retake();

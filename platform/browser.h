@@ -56,6 +56,13 @@ public:
     // A page wants a new window. Returns the browser that shall load what was asked for, or null to refuse.
     // Called at once, nested in whatever goes on: the page waits for the answer.
     virtual Browser* NewWindow2() = 0;
+
+    // The user asks for the context menu in this document, by the mouse or by key. A field under the mouse
+    // has the focus already. False lets the browser show its own menu, which is what happens by default.
+    virtual bool ContextMenu(const DocumentId& document) {
+        static_cast<void>(document);
+        return false;
+    }
 };
 
 // The embedded browser of one window. Nothing here waits for a page longer than a bounded time.

@@ -20,8 +20,12 @@ public:
 
     // Set by the one view of this object, if it has any.
     std::function<void()> Changed;
+    // Set by the object's owner to keep other controls in step with this one; called before the view is.
+    std::function<void()> Follow;
 
     void notify() const {
+        if (Follow)
+            Follow();
         if (Changed)
             Changed();
     }
@@ -89,6 +93,9 @@ public:
         : Control(std::move(name)), Caption(*this, std::move(caption)) {}
 
     Property<std::string> Caption;
+    // Key sequence in the portable notation that presses the button, "" for none. A text box that holds the
+    // focus keeps a key for which it has a use of its own at that moment.
+    std::string Shortcut;
     // What pressing the button does. Views call `press`, never this directly.
     std::function<void()> Click;
 

@@ -23,6 +23,8 @@ public:
         std::string Page = {};
         // Shown in place of `Label` and followed as it changes; owned like the field.
         kestrune::Label* Title = nullptr;
+        // Shown small below or beside the field, and followed as it changes; owned like the field.
+        kestrune::Label* Hint = nullptr;
     };
 
     Form(std::string name, std::string caption) : Name(std::move(name)), Caption(*this, std::move(caption)) {}

@@ -41,6 +41,18 @@ struct PageElement {
     std::string src;   // as written in the page; of image buttons
     bool checked = false;
     std::vector<PageOption> options; // of lists
+    // What a person sees as the element's label, found without regard to table rows, and how: the first of
+    // these that gives any text (blanks trimmed and runs of white space as one blank). Comes with the labels.
+    //   "label"            the texts of <label for> and of a label around it, without those of controls in it
+    //   "aria-labelledby"  the texts of the elements it names
+    //   "aria-label"
+    //   "text"             the text before it in the same block, from the control before it on
+    //   "term"             the definition term before the definition that it stands in
+    //   "cell"             the cell before its own in a grid made of blocks
+    //   "placeholder"
+    //   "title"
+    std::string label;
+    std::string label_from; // one of the above, "" without a label
 };
 
 struct PageForm {
@@ -57,6 +69,7 @@ struct PageForm {
 struct PageParts {
     bool links = false;
     bool forms = false;
+    bool labels = false; // with the forms: the page's source, and each element's label
     friend bool operator==(const PageParts&, const PageParts&) = default;
 };
 
@@ -69,8 +82,14 @@ struct PageDocument {
     // the next ">", one entry for each, in order; the search goes on after that ">" and ends at a hit without
     // one. Scripts and comments count like any other text.
     std::vector<std::string> form_tags;
-    std::vector<PageLink> links;      // document.links, in order; only when asked for
-    std::vector<PageForm> forms;      // document.forms, in order; only when asked for
+    std::vector<PageLink> links; // document.links, in order; only when asked for
+    std::vector<PageForm> forms; // document.forms, in order; only when asked for
+    // document.activeElement when that is a field (an INPUT, a TEXTAREA or a SELECT), in a form or not; its
+    // ref's element is 0 otherwise. Comes with the forms.
+    PageElement active_element;
+    // documentElement.innerHTML, an open shadow root as a <template shadowroot> at the start of its host;
+    // only with the labels.
+    std::string source;
     std::vector<PageElement> inputs;  // every INPUT of the document, in document order; comes with the forms
     std::vector<PageDocument> frames; // document.frames, in order, of any origin; a frame that gave no answer
                                       // in time has an empty id and nothing else
@@ -84,6 +103,7 @@ struct PageEdit {
         value,  // the element's value becomes `text`
         check,  // the radio button or check box becomes checked
         select, // the option becomes selected; ref is the option's
+        focus,  // the element gets the focus, as if the user had gone there
     };
     Kind kind = Kind::click;
     ElementRef ref;

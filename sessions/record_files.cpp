@@ -1,5 +1,6 @@
 #include "sessions/record_files.h"
 
+#include "platform/code_page.h"
 #include "platform/diagnostics.h"
 #include "platform/text.h"
 
@@ -10,6 +11,9 @@ namespace kestrune {
 namespace {
 
 constexpr std::string_view extension = ".xml";
+
+// Backup of a profile that could not be written; the earlier profile has the profile's own name there.
+constexpr std::string_view unsaved_profile_name = "Kestrune_not_saved.xml";
 
 bool is_xml(std::string_view name) {
     return name.size() >= extension.size() &&
@@ -97,6 +101,25 @@ void RecordFiles::write(const RecordSession& record) {
     }
     if (!files_.write(path, bytes))
         write_backup(name, bytes);
+}
+
+void RecordFiles::write_profile(std::string_view text) {
+    const std::string bytes = bytes_of_text(text);
+    const std::string path = session_path(profile_file_name);
+    prepare();
+    // A copy is kept rather than the file moved, so that there is a profile at every instant of a good save.
+    if (files_.file_exists(path)) {
+        const auto old = files_.read(path);
+        if (old == bytes)
+            return;
+        if (!old || !write_backup(profile_file_name, *old))
+            move_to_backup(profile_file_name);
+    }
+    if (files_.write(path, bytes))
+        return;
+    if (files_.file_exists(path))
+        move_to_backup(profile_file_name);
+    write_backup(unsaved_profile_name, bytes);
 }
 
 void RecordFiles::remove(std::string_view url) {

@@ -38,6 +38,10 @@ public:
     // Writes the record under the name of its address, in place of what is there. The profile's file is never
     // replaced by a record: such a record is kept as a backup alone.
     void write(const RecordSession& record);
+    // Writes the product profile's file, whose text ends without a line break, in place of the earlier one.
+    // When the new one cannot be written the earlier one is gone from the session folder too, and both are
+    // kept as backups as far as that is possible.
+    void write_profile(std::string_view text);
     // Removes the record file of the address, if there is one.
     void remove(std::string_view url);
     // Puts a file away that its record no longer fits. It stays when it cannot be kept as a backup.

@@ -7,7 +7,8 @@ namespace kestrune {
 BrowserWindow::BrowserWindow(Program& program, BrowserWindow* opener)
     : objParentForm(opener), glngPopupLevel(opener == nullptr ? 0 : opener->glngPopupLevel + 1),
       gstrSessionPath(program.record_files().gstrSessionPath()), program_(program),
-      store_(record_panel(), program.record_files(), program.library(), program.ui(), {}),
+      store_(record_panel(), program.record_files(), program.library(), program.ui(),
+             [this](std::string_view text) { read_profile(text); }),
       editor_(record_panel(), store_, program.record_files(), program.ui()) {
     wire();
     browser_ = program_.ui().open_window(form, *this);
@@ -50,6 +51,7 @@ void BrowserWindow::wire() {
 }
 
 void BrowserWindow::wire_menus() {
+    fill_menu.on_choice = [this](std::int32_t index) { glngMnuIdx = index; };
     mnuSetting.Click = in_turn(&BrowserWindow::mnuSetting_Click);
     mnuExit.Click = in_turn(&BrowserWindow::mnuExit_Click);
     mnuWithPAD.Click = in_turn(&BrowserWindow::mnuWithPAD_Click);
@@ -77,6 +79,7 @@ void BrowserWindow::wire_keys() {
     form.Shortcuts = {
         {"Alt+Left", [this] { cmdBack.press(); }},
         {"F9", [this] { cmdPlayback.press(); }},
+        {"F8", in_turn(&BrowserWindow::show_fill_report)},
         {"F5", in_turn(&BrowserWindow::reload)},
         {"Esc", in_turn(&BrowserWindow::stop)},
         {"Ctrl+L", in_turn(&BrowserWindow::open_address)},

@@ -16,6 +16,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -41,7 +42,8 @@ public:
     std::int32_t lngBlockedPopups = 0;
     bool gbGobackFlag = false;
     bool gbRightClickDone = false;
-    bool bBackEnabled = false; // the browser has a page to go back to
+    std::int32_t glngMnuIdx = fill_nothing; // entry chosen in the right-click menu
+    bool bBackEnabled = false;              // the browser has a page to go back to
     const std::string gstrSessionPath;
     int glngCurTab = 0; // 0 permanent, 1 temporary, 2 PAD, 3 NON-PAD
     std::int32_t lngCurPadKey = 0;
@@ -114,9 +116,15 @@ public:
     // Playback (playback.cpp)
     void cmdPlayback_Click();
 
+    // Right-click menu (right_click.cpp)
+    // Shows which fields the last "Multi-input" filled, and why.
+    void show_fill_report();
+
     // Pop-up windows (popups.cpp)
     BrowserWindow& OpenPopupWindow();
 
+    // The program's product profile, complete: waits for the load that reads it.
+    [[nodiscard]] FrmPreference& frmPreference();
     [[nodiscard]] Browser& browser() { return *browser_; }
     // What page processing works on in this window.
     [[nodiscard]] PageProcessing page_processing();
@@ -129,6 +137,7 @@ private:
     void DocumentComplete(PageDocument image) override;
     void CommandStateChange(int command, bool enable) override;
     Browser* NewWindow2() override;
+    bool ContextMenu(const DocumentId& document) override;
 
     using Procedure = void (BrowserWindow::*)();
     void wire();
@@ -141,6 +150,9 @@ private:
     void show_panel();
     void hide_panel();
 
+    void read_profile(std::string_view text);
+    bool fill_by_menu(const DocumentId& document);
+
     bool may_open_popup();
     void show_site_tab(int tab, const std::string& count);
     [[nodiscard]] SubmitStatusControls submit_status_controls();
@@ -150,6 +162,8 @@ private:
     Program& program_;
     PermanentStore store_;
     RecordEditor editor_;
+    int loads_ = 0; // of the permanent records, apart from those that a later one cut short
+    std::optional<FillReport> last_fill_; // of "Multi-input" in this window
     EventQueue events_;
     // Counts the navigations of the top window: a completion that waited in the queue while the page was left
     // is dropped.

@@ -7,6 +7,8 @@ namespace {
 
 constexpr int about_width = 6600;
 constexpr int about_height = 3600;
+constexpr int report_width = 13500;
+constexpr int report_height = 7500;
 constexpr int open_address_width = 9000;
 constexpr int open_address_height = 1800;
 
@@ -41,6 +43,21 @@ FrmOpenAddress::FrmOpenAddress(const std::string& address) : Form("frmOpenAddres
         Hide();
     };
     cmdCancel.Click = [this] { Hide(); };
+}
+
+FrmFillReport::FrmFillReport(const std::string& report)
+    : Form("frmFillReport", "What the last Multi-input did") {
+    txtReport.Text = report;
+    txtReport.Locked = true;
+    txtReport.AccessibleName = "Fields of the form";
+    Width = report_width;
+    Height = report_height;
+    Rows = {{"", &txtReport}};
+    Buttons = {&cmdOK};
+    Default = &cmdOK;
+    Cancel = &cmdOK;
+    FirstFocus = &cmdOK;
+    cmdOK.Click = [this] { Hide(); };
 }
 
 } // namespace kestrune

@@ -33,4 +33,14 @@ private:
     Button cmdCancel{"cmdCancel", "Cancel"};
 };
 
+// F8: what the last "Multi-input" did to each field.
+class FrmFillReport : public Form {
+public:
+    explicit FrmFillReport(const std::string& report);
+
+private:
+    TextBox txtReport{"txtReport", true};
+    Button cmdOK{"cmdOK", "OK"};
+};
+
 } // namespace kestrune

@@ -9,7 +9,7 @@ namespace kestrune {
 
 Program::Program(UserInterface& ui, Files& files, Database& database, std::string folder)
     : ui_(ui), files_(files), folder_(std::move(folder)), library_(database, files, folder_),
-      record_files_(files, folder_) {}
+      record_files_(files, folder_), frmPreference_(ui, files) {}
 
 Program::~Program() {
     // Pop-ups refer to their openers, so the newest goes first.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "library/product_profile.h"
 #include "library/site_library.h"
 #include "platform/database.h"
 #include "platform/files.h"
@@ -39,6 +40,8 @@ public:
     [[nodiscard]] Files& files() const { return files_; }
     [[nodiscard]] SiteLibrary& library() { return library_; }
     [[nodiscard]] RecordFiles& record_files() { return record_files_; }
+    // The product profile, one for all windows.
+    [[nodiscard]] FrmPreference& frmPreference() { return frmPreference_; }
     [[nodiscard]] const std::string& folder() const { return folder_; }
     [[nodiscard]] const std::vector<std::unique_ptr<BrowserWindow>>& windows() const { return windows_; }
 
@@ -48,6 +51,7 @@ private:
     std::string folder_;
     SiteLibrary library_;
     RecordFiles record_files_;
+    FrmPreference frmPreference_;
     std::vector<std::unique_ptr<BrowserWindow>> windows_;
 };
 

@@ -1,10 +1,17 @@
 #include "shell/browser_window.h"
 
 #include "library/submit_status.h"
+#include "platform/center_form.h"
 
 namespace kestrune {
 
-void BrowserWindow::mnuSetting_Click() {}
+void BrowserWindow::mnuSetting_Click() {
+    FrmPreference& profile = frmPreference();
+    CenterForm(profile, program_.ui().screen());
+    kestrune::mnuSetting_Click(profile, program_.ui(), StatusBar1, [this](std::string_view text) {
+        program_.record_files().write_profile(text);
+    });
+}
 
 void BrowserWindow::cmdEdit_Click() {
     ListView* const list = CurrentRecordList();

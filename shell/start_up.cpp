@@ -25,9 +25,26 @@ void BrowserWindow::Form_Load() {
 }
 
 void BrowserWindow::CallLoadPermanentRecord() {
+    if (store_.loaded())
+        ++loads_;
     store_.LoadPermanentSession();
     SortPermanentList(0);
     gbRecordChanged = false;
+}
+
+// Only the first load of all reads the profile: a later one would undo what the user left in the boxes
+// without saving it.
+void BrowserWindow::read_profile(std::string_view text) {
+    if (objParentForm == nullptr && loads_ == 1)
+        ReadProfileXml(text, program_.frmPreference());
+}
+
+FrmPreference& BrowserWindow::frmPreference() {
+    BrowserWindow* first = this;
+    while (first->objParentForm != nullptr)
+        first = first->objParentForm;
+    first->store_.wait_until_loaded();
+    return program_.frmPreference();
 }
 
 // The menu title and one of its two entries, not the pair: a pop-up may thereby end with both or neither of

@@ -24,6 +24,7 @@ Switches::Switches() {
     mnuRecord.Items = {&mnuAutoRecord};
     mnuPopup.Items = {&mnuBlock};
     mnuHelp.Items = {&mnuWebsite, &mnuAbout};
+    mnuRightClickMenu.Items = {&fill_menu.mnuProduct, &fill_menu.mnuAll};
     for (MenuItem* item :
          {&mnuWithPAD, &mnuNoPAD, &mnuSelectGeneral, &mnuSelectGame, &mnuSelectDeveloper, &mnuSelectBusiness,
           &mnuSelectFreeware, &mnuSelectSpecial, &mnuHideRecord, &mnuAutoHide, &mnuPromptFill,

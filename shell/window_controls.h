@@ -1,5 +1,6 @@
 #pragma once
 
+#include "filling/fill_menu.h"
 #include "platform/control.h"
 #include "platform/list_view.h"
 #include "platform/menu.h"
@@ -49,6 +50,7 @@ struct Switches {
 
     // Never on the bar: the browser's context menu.
     MenuItem mnuRightClickMenu{"mnuRightClickMenu", "Right Click Menu"};
+    FillMenu fill_menu; // its entries
 
     Switches();
 };

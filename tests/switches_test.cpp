@@ -52,7 +52,9 @@ TEST_F(SwitchesTest, EveryMenuStandsInItsPlaceWithItsCaptionAndStartState) {
         {{"mnuRecord", "Record", false}, {"mnuAutoRecord", "Auto Record", false}},
         {{"mnuPopup", "Popup", false}, {"mnuBlock", "Block pop-up window", true}},
         {{"mnuHelp", "Help", false}, {"mnuWebsite", "Go to Website", false}, {"mnuAbout", "About", false}},
-        {{"mnuRightClickMenu", "Right Click Menu", false}}};
+        {{"mnuRightClickMenu", "Right Click Menu", false},
+         {"mnuProduct", "Single-input", false},
+         {"mnuAll", "Multi-input", false}}};
     ASSERT_EQ(window().form.MenuBar.size(), bar.size());
     for (std::size_t m = 0; m < bar.size(); ++m) {
         const MenuItem& title = *window().form.MenuBar[m];

@@ -20,7 +20,10 @@ void keep_wanted(PageDocument& document, PageParts parts) {
     document.parts = parts;
     if (!parts.links)
         document.links.clear();
+    if (!parts.labels)
+        document.source.clear();
     if (!parts.forms) {
+        document.active_element = {};
         document.forms.clear();
         document.inputs.clear();
     }

@@ -17,6 +17,18 @@ Answer safest(Buttons buttons) {
     return Answer::Ok;
 }
 
+bool choose_entry(const MenuItem& menu, const std::string& name) {
+    for (const MenuItem* item : menu.Items) {
+        if (choose_entry(*item, name))
+            return true;
+        if (item->Name != name || !item->Enabled.get())
+            continue;
+        item->choose();
+        return true;
+    }
+    return false;
+}
+
 } // namespace
 
 Answer MemoryUserInterface::MessageBox(std::string_view text, Buttons buttons, std::string_view title) {
@@ -51,6 +63,19 @@ void MemoryUserInterface::ShowModal(Form& form) {
     if (form.Visible.get() && form.Cancel != nullptr)
         form.Cancel->press();
     form.Hide();
+}
+
+void MemoryUserInterface::PopupMenu(const MenuItem& menu) {
+    if (menus_.empty()) {
+        failures.push_back("unexpected menu: " + menu.Name);
+        return;
+    }
+    const auto [name, entry] = std::move(menus_.front());
+    menus_.pop_front();
+    if (name != menu.Name)
+        failures.push_back("menu " + menu.Name + " where " + name + " was expected");
+    else if (!entry.empty() && !choose_entry(menu, entry))
+        failures.push_back("no entry " + entry + " in menu " + name);
 }
 
 std::string MemoryUserInterface::OpenFileDialog(std::string_view filter) {

@@ -7,6 +7,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <utility>
 #include <variant>
 #include <vector>
 
@@ -26,6 +27,7 @@ public:
     using UserInterface::MessageBox;
     Answer MessageBox(std::string_view text, Buttons buttons, std::string_view title) override;
     void ShowModal(Form& form) override;
+    void PopupMenu(const MenuItem& menu) override;
     std::string OpenFileDialog(std::string_view filter) override;
     [[nodiscard]] ScreenSize screen() const override { return screen_size; }
     std::unique_ptr<Browser> open_window(WindowForm& form, BrowserEvents& events) override;
@@ -39,6 +41,10 @@ public:
     // The next dialog must have this name; `user` does in it what the user does. A dialog that `user` leaves
     // open is closed as by its close box.
     void expect_form(std::string name, std::function<void(Form&)> user);
+    // The next pop-up menu must have this name; the entry of that name is chosen, with "" it is dismissed.
+    void expect_menu(std::string name, std::string entry) {
+        menus_.push_back({std::move(name), std::move(entry)});
+    }
     void expect_file_dialog(std::string chosen) { files_.push_back(std::move(chosen)); }
 
     // Runs what was put off with call_later, including what that puts off.
@@ -52,7 +58,9 @@ public:
     std::function<void()> on_do_events;
     std::vector<MemoryBrowser*> browsers; // one for each window opened, null once it is gone
 
-    [[nodiscard]] bool script_done() const { return boxes_.empty() && forms_.empty() && files_.empty(); }
+    [[nodiscard]] bool script_done() const {
+        return boxes_.empty() && forms_.empty() && files_.empty() && menus_.empty();
+    }
 
 private:
     struct Box {
@@ -67,6 +75,7 @@ private:
     std::deque<Box> boxes_;
     std::deque<Dialog> forms_;
     std::deque<std::string> files_;
+    std::deque<std::pair<std::string, std::string>> menus_;
     std::deque<std::function<void()>> later_;
 };
 

@@ -85,6 +85,8 @@ QLatin1String kind_of(PageEdit::Kind kind) {
         return QLatin1String("check");
     case PageEdit::Kind::select:
         return QLatin1String("select");
+    case PageEdit::Kind::focus:
+        return QLatin1String("focus");
     }
     return {};
 }

@@ -10,7 +10,9 @@
 
 #include <QAbstractEventDispatcher>
 #include <QApplication>
+#include <QCursor>
 #include <QFileDialog>
+#include <QMenu>
 #include <QScreen>
 #include <QThread>
 #include <QWindow>
@@ -110,6 +112,14 @@ void QtUserInterface::ShowModal(Form& form) {
     dialog.show_modal();
 }
 
+void QtUserInterface::PopupMenu(const MenuItem& menu) {
+    const Nested nested{*this};
+    QtWindow* const window = shown_window();
+    auto* const shown = window == nullptr ? nullptr : window->findChild<QMenu*>(to_qt(menu.Name));
+    if (shown != nullptr)
+        shown->exec(QCursor::pos());
+}
+
 std::string QtUserInterface::OpenFileDialog(std::string_view filter) {
     const Nested nested{*this};
     QFileDialog dialog;
@@ -185,14 +195,19 @@ std::string QtUserInterface::engine_version() const {
            qWebEngineChromiumSecurityPatchVersion() + (sandbox ? "" : "\nThe sandbox is switched off");
 }
 
-void QtUserInterface::stand_above_window(QDialog& dialog) const {
+QtWindow* QtUserInterface::shown_window() const {
     const auto shown = std::find_if(windows_.rbegin(), windows_.rend(), [](const QPointer<QtWindow>& window) {
         return !window.isNull() && window->isVisible();
     });
-    if (shown == windows_.rend())
+    return shown == windows_.rend() ? nullptr : shown->data();
+}
+
+void QtUserInterface::stand_above_window(QDialog& dialog) const {
+    const QtWindow* const window = shown_window();
+    if (window == nullptr)
         return;
     dialog.winId();
-    dialog.windowHandle()->setTransientParent((*shown)->windowHandle());
+    dialog.windowHandle()->setTransientParent(window->windowHandle());
 }
 
 } // namespace kestrune

@@ -27,6 +27,7 @@ public:
     using UserInterface::MessageBox;
     Answer MessageBox(std::string_view text, Buttons buttons, std::string_view title) override;
     void ShowModal(Form& form) override;
+    void PopupMenu(const MenuItem& menu) override;
     std::string OpenFileDialog(std::string_view filter) override;
     [[nodiscard]] ScreenSize screen() const override;
     std::unique_ptr<Browser> open_window(WindowForm& form, BrowserEvents& events) override;
@@ -40,6 +41,8 @@ private:
 
     // Keeps a dialog above the window that it belongs to.
     void stand_above_window(QDialog& dialog) const;
+    // Null when no window is showing.
+    [[nodiscard]] QtWindow* shown_window() const;
     [[nodiscard]] bool handler_on_stack() const;
     void wake();
     void run_calls();

@@ -40,6 +40,7 @@ public:
         return real_.MessageBox(text, buttons, title);
     }
     void ShowModal(Form& form) override { real_.ShowModal(form); }
+    void PopupMenu(const MenuItem& menu) override { real_.PopupMenu(menu); }
     std::string OpenFileDialog(std::string_view filter) override { return real_.OpenFileDialog(filter); }
     [[nodiscard]] ScreenSize screen() const override { return real_.screen(); }
     std::unique_ptr<Browser> open_window(WindowForm& form, BrowserEvents& events) override;
