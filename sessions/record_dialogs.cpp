@@ -66,6 +66,7 @@ void FrmEdit::show_pair(std::size_t index, const std::string& name, std::string 
     Pair& pair = pairs_.at(index);
     pair.password = IsPasswordName(name);
     pair.name.Caption = name;
+    pair.name.Enabled = true;
     pair.value.Masked = pair.password && !passwords_shown_;
     pair.value.Text = std::move(value);
     pair.value.Enabled = true;
@@ -77,8 +78,9 @@ void FrmEdit::show_blank(std::size_t index) {
     Pair& pair = pairs_.at(index);
     pair.password = false;
     pair.name.Caption = "Blank";
-    pair.value.Masked = false;
+    pair.name.Enabled = false;
     pair.value.Text = "";
+    pair.value.Masked = false;
     pair.value.Enabled = false;
 }
 

@@ -4,6 +4,7 @@
 
 #include <QAccessible>
 #include <QAccessibleWidget>
+#include <QLineEdit>
 
 #include <vector>
 
@@ -55,6 +56,35 @@ private:
     }
 };
 
+// The toolkit's own interface of a masked box hides its text, but the events of its changes hold it as it is.
+// Bridges pass these on for what has a text interface only, so this one has none.
+class AccessibleMaskedBox final : public QAccessibleWidget {
+public:
+    explicit AccessibleMaskedBox(QLineEdit* box) : QAccessibleWidget(box, QAccessible::EditableText) {}
+
+    [[nodiscard]] QString text(QAccessible::Text kind) const override {
+        if (kind == QAccessible::Value)
+            return QString(box().text().size(), u'*');
+        return QAccessibleWidget::text(kind);
+    }
+
+    [[nodiscard]] QAccessible::State state() const override {
+        QAccessible::State state = QAccessibleWidget::state();
+        state.passwordEdit = true;
+        state.readOnly = box().isReadOnly();
+        state.editable = !box().isReadOnly();
+        return state;
+    }
+
+private:
+    [[nodiscard]] const QLineEdit& box() const { return *static_cast<const QLineEdit*>(widget()); }
+};
+
+void announce(QObject& object, QAccessible::Event what) {
+    QAccessibleEvent event(&object, what);
+    QAccessible::updateAccessibility(&event);
+}
+
 QAccessibleInterface* make_interface(const QString& /*class_name*/, QObject* object) {
     // Not dynamic_cast: the engine's objects come here, too, and carry no type information to look at.
     // The toolkit's registry owns what is made here; nobody else could delete it.
@@ -63,6 +93,9 @@ QAccessibleInterface* make_interface(const QString& /*class_name*/, QObject* obj
         return new AccessibleContainer(container);
     if (auto* const bar = qobject_cast<StatusPanels*>(object))
         return new QAccessibleWidget(bar, QAccessible::StatusBar);
+    auto* const box = qobject_cast<QLineEdit*>(object);
+    if (box != nullptr && box->echoMode() != QLineEdit::Normal)
+        return new AccessibleMaskedBox(box);
     // NOLINTEND(cppcoreguidelines-owning-memory)
     return nullptr;
 }
@@ -70,6 +103,18 @@ QAccessibleInterface* make_interface(const QString& /*class_name*/, QObject* obj
 } // namespace
 
 void hide_from_assistance(QWidget& widget) { widget.setProperty(hidden_property, true); }
+
+void set_masked(QLineEdit& box, bool masked) {
+    const auto mode = masked ? QLineEdit::Password : QLineEdit::Normal;
+    if (box.echoMode() == mode)
+        return;
+    // The toolkit keeps an interface once made; the box needs one of the other kind from now on.
+    announce(box, QAccessible::ObjectDestroyed);
+    if (QAccessibleInterface* const kept = QAccessible::queryAccessibleInterface(&box))
+        QAccessible::deleteAccessibleInterface(QAccessible::uniqueId(kept));
+    box.setEchoMode(mode);
+    announce(box, QAccessible::ObjectCreated);
+}
 
 void install_accessibility() { QAccessible::installFactory(make_interface); }
 

@@ -17,6 +17,7 @@ namespace kestrune {
 namespace {
 
 constexpr int smallest_letters = 9; // pixels
+constexpr int longest_line = 1000;  // letters; far more than fit side by side on a screen
 
 // The font, made smaller until the wrapped text fits the area.
 QFont fitting_font(const QFont& font, const QSize& area, int flags, const QString& text) {
@@ -102,18 +103,45 @@ FittedLabel::FittedLabel(double squeeze, QWidget* parent) : QLabel(parent), sque
     setMinimumWidth(1);
 }
 
+void FittedLabel::set_caption(const QString& caption) {
+    caption_ = caption;
+    if (buddy() == nullptr) {
+        setText(caption);
+    } else {
+        // Beside a buddy the toolkit takes "&" for the mark of a shortcut and claims that key.
+        setText(QString(caption).replace(u'&', QStringLiteral("&&")));
+        setAccessibleName(caption);
+    }
+    updateGeometry();
+}
+
+QString FittedLabel::line() const {
+    QString line = caption_.size() <= longest_line
+                       ? caption_
+                       : caption_.left(longest_line / 2) + QChar(0x2026) + caption_.right(longest_line / 2);
+    return line.replace(u'\r', u' ').replace(u'\n', u' ');
+}
+
 QString FittedLabel::shown(int width) const {
-    QString line = text();
-    line.replace(u'\r', u' ').replace(u'\n', u' ');
-    return fontMetrics().elidedText(line, Qt::ElideMiddle, static_cast<int>(std::floor(width / squeeze_)));
+    return fontMetrics().elidedText(line(), Qt::ElideMiddle, static_cast<int>(std::floor(width / squeeze_)));
+}
+
+QSize FittedLabel::sizeHint() const {
+    const QMargins around = contentsMargins();
+    return {fontMetrics().horizontalAdvance(line()) + 2 + around.left() + around.right(),
+            minimumSizeHint().height()};
+}
+
+QSize FittedLabel::minimumSizeHint() const {
+    const QMargins around = contentsMargins();
+    return {1, fontMetrics().height() + around.top() + around.bottom()};
 }
 
 bool FittedLabel::event(QEvent* event) {
     if (event->type() == QEvent::ToolTip) {
         const auto* const help = static_cast<QHelpEvent*>(event);
-        const bool cut =
-            shown(contentsRect().width()).contains(QChar(0x2026)) && !text().contains(QChar(0x2026));
-        QToolTip::showText(help->globalPos(), cut ? plain_tooltip(text()) : QString(), this);
+        const bool cut = caption_.size() > longest_line || shown(contentsRect().width()) != line();
+        QToolTip::showText(help->globalPos(), cut ? plain_tooltip(caption_) : QString(), this);
         return true;
     }
     return QLabel::event(event);

@@ -23,18 +23,24 @@ private:
 
 // One line of plain text in whatever width there is. Too long a text is first squeezed down to `squeeze` of
 // its natural width (1: not at all), then shortened in its middle, where an address can best spare it; the
-// whole text is its tool tip then.
+// whole text is its tool tip then. Where it names a field, the field is made its buddy first.
 class FittedLabel : public QLabel {
 public:
     FittedLabel(double squeeze, QWidget* parent);
+    void set_caption(const QString& caption);
+
+    [[nodiscard]] QSize sizeHint() const override;
+    [[nodiscard]] QSize minimumSizeHint() const override;
 
 protected:
     bool event(QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
 
 private:
+    [[nodiscard]] QString line() const;
     [[nodiscard]] QString shown(int width) const;
     double squeeze_;
+    QString caption_;
 };
 
 // Plain text that wraps between words, and inside a word where one is wider than the label (addresses are).

@@ -9,6 +9,7 @@
 #include "platform/qt/twips.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace kestrune {
 namespace {
@@ -96,15 +97,31 @@ QWidget& ControlWidgets::make_button(Button& button, QWidget& parent) {
 }
 
 QWidget& ControlWidgets::make_label(Label& label, QWidget& parent) {
-    QLabel* made = nullptr;
-    if (placing_ == Placing::by_control) {
-        made = &child_of<FittedLabel>(parent, label_squeeze);
-        made->setAlignment(Qt::AlignLeft | Qt::AlignTop);
-    } else {
-        made = &child_of<WrappedLabel>(parent);
+    if (placing_ == Placing::by_layout) {
+        auto& made = child_of<WrappedLabel>(parent);
+        tie(label, made, [&label, &made] { made.setText(to_qt(label.Caption.get())); });
+        return made;
     }
-    tie(label, *made, [&label, made] { made->setText(to_qt(label.Caption.get())); });
-    return *made;
+    auto& made = child_of<FittedLabel>(parent, label_squeeze);
+    made.setAlignment(Qt::AlignLeft | Qt::AlignTop);
+    tie(label, made, [&label, &made] { made.set_caption(to_qt(label.Caption.get())); });
+    return made;
+}
+
+FittedLabel& ControlWidgets::add_title(Label& title, QWidget& parent, QWidget& field,
+                                       std::function<void()> changed) {
+    auto& made = child_of<FittedLabel>(parent, 1.0);
+    made.setObjectName(to_qt(title.Name));
+    made.setBuddy(&field);
+    const bool named = !field.accessibleName().isEmpty();
+    tie(title, made, [&title, &made, &field, named, changed = std::move(changed)] {
+        const QString caption = to_qt(title.Caption.get());
+        made.set_caption(caption);
+        if (!named)
+            field.setAccessibleName(caption);
+        changed();
+    });
+    return made;
 }
 
 QWidget& ControlWidgets::make_frame(Frame& frame, QWidget& parent) {

@@ -7,10 +7,13 @@
 #include <QWidget>
 
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <vector>
 
 namespace kestrune {
+
+class FittedLabel;
 
 // Makes a widget for each control and ties the two: changes of the control show at once, what the user does
 // reaches the control. Each widget has the control's name as its object name and an accessible name.
@@ -24,6 +27,10 @@ public:
 
     // The control, which outlives the binding, gets a child widget of `parent` with all that lies in it.
     QWidget& add(Control& control, QWidget& parent);
+
+    // A line of text that names the field, on screen and to assistive technology. Calls `changed` now and
+    // after each change.
+    FittedLabel& add_title(Label& title, QWidget& parent, QWidget& field, std::function<void()> changed);
 
     // Null for a control that was not added.
     [[nodiscard]] QWidget* widget(const Control* control) const;

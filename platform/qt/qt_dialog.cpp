@@ -2,17 +2,18 @@
 
 #include "platform/qt/caption_widgets.h"
 #include "platform/qt/child_of.h"
+#include "platform/qt/dialog_pages.h"
 #include "platform/qt/qt_text.h"
 #include "platform/qt/twips.h"
 
 #include <QGroupBox>
 #include <QGuiApplication>
+#include <QKeyEvent>
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QRadioButton>
 #include <QScreen>
-#include <QScrollArea>
-#include <QStyle>
+#include <QTabBar>
 
 #include <algorithm>
 #include <utility>
@@ -23,6 +24,8 @@ namespace {
 constexpr int widest_label = 240; // pixels
 constexpr int narrowest_field = 380;
 constexpr int widest_note = 480;
+constexpr int least_scrolled_height = 120;
+constexpr int around_rows = 120; // height that buttons and margins take at most
 
 QSize room_on_screen() { return QGuiApplication::primaryScreen()->availableSize() * 9 / 10; }
 
@@ -58,7 +61,7 @@ QtDialog::QtDialog(Form& form)
     QSize content = column.sizeHint();
     if (column.hasHeightForWidth())
         content.setHeight(column.totalHeightForWidth(content.width()));
-    place(content + QSize(0, scrolled_height_));
+    place(content);
     focus_first();
     controls_.bindings().observe(form, [this] {
         setWindowTitle(title_text(form_.Caption.get()));
@@ -72,74 +75,117 @@ void QtDialog::add_rows(QVBoxLayout& column) {
     auto& content = child_of<QWidget>(*this);
     auto& parts = child_of<QVBoxLayout>(content);
     parts.setContentsMargins(0, 0, 0, 0);
+    QVBoxLayout* place = &parts;
+    DialogPages* pages = nullptr;
     QFormLayout* rows = nullptr;
-    const std::string* group = nullptr;
+    const Form::Row* before = nullptr;
     for (const Form::Row& row : form_.Rows) {
-        if (group == nullptr || *group != row.Group) {
-            QWidget* part = nullptr;
-            if (row.Group.empty()) {
-                part = &child_of<QWidget>(content);
-            } else {
-                auto& box = child_of<QGroupBox>(content);
-                box.setTitle(literal(row.Group));
-                part = &box;
-            }
-            rows = &form_layout(*part);
-            if (row.Group.empty())
-                rows->setContentsMargins(0, 0, 0, 0);
-            parts.addWidget(part);
+        const bool turned = row.Page != (before == nullptr ? std::string() : before->Page);
+        if (turned && row.Page.empty()) {
+            pages = nullptr;
+            place = &parts;
+        } else if (turned) {
+            if (pages == nullptr)
+                pages = &add_pages(parts);
+            place = &pages->add_page(row.Page);
         }
-        group = &row.Group;
-        add_row(*rows, row);
+        if (turned || before == nullptr || before->Group != row.Group)
+            rows = &add_group(*place, row.Group);
+        before = &row;
+        add_row(*rows, row, pages);
     }
+    align_labels();
+    add_content(column, content);
+}
 
-    const QSize wanted = content.sizeHint();
-    if (wanted.height() <= room_on_screen().height() - 120) {
+DialogPages& QtDialog::add_pages(QVBoxLayout& parts) {
+    auto& pages = child_of<DialogPages>(*parts.parentWidget());
+    pages.setObjectName(objectName() + QStringLiteral(".Pages") +
+                        (pages_.empty() ? QString() : QString::number(pages_.size() + 1)));
+    pages.tabBar()->setObjectName(pages.objectName() + QStringLiteral(".Strip"));
+    pages_.push_back(&pages);
+    parts.addWidget(&pages, 1);
+    return pages;
+}
+
+QFormLayout& QtDialog::add_group(QVBoxLayout& parts, const std::string& group) {
+    if (group.empty()) {
+        auto& part = child_of<QWidget>(*parts.parentWidget());
+        QFormLayout& rows = form_layout(part);
+        rows.setContentsMargins(0, 0, 0, 0);
+        parts.addWidget(&part);
+        return rows;
+    }
+    auto& box = child_of<QGroupBox>(*parts.parentWidget());
+    box.setTitle(literal(group));
+    parts.addWidget(&box);
+    return form_layout(box);
+}
+
+void QtDialog::add_content(QVBoxLayout& column, QWidget& content) {
+    int height = content.sizeHint().height();
+    for (const DialogPages* pages : pages_)
+        height -= pages->spare_height();
+    if (height <= room_on_screen().height() - around_rows) {
         column.addWidget(&content, 1);
         return;
     }
-    parts.addStretch(1);
-    auto& scroll = child_of<QScrollArea>(*this);
-    scroll.setFrameShape(QFrame::NoFrame);
-    scroll.setWidgetResizable(true);
-    scroll.setFocusPolicy(Qt::NoFocus);
-    scroll.setWidget(&content);
-    scroll.setMinimumWidth(wanted.width() + style()->pixelMetric(QStyle::PM_ScrollBarExtent) + 4);
-    column.addWidget(&scroll, 1);
-    scrolled_height_ = std::max(0, wanted.height() - scroll.sizeHint().height());
+    if (auto* const parts = dynamic_cast<QVBoxLayout*>(content.layout()))
+        parts->addStretch(1);
+    column.addWidget(&child_of<ContentScroll>(*this, content, least_scrolled_height), 1);
 }
 
-void QtDialog::add_row(QFormLayout& rows, const Form::Row& row) {
+void QtDialog::add_row(QFormLayout& rows, const Form::Row& row, DialogPages* pages) {
     if (row.Field == nullptr)
         return;
     QWidget& field = controls_.add(*row.Field, *rows.parentWidget());
-    if (auto* const note = dynamic_cast<WrappedLabel*>(&field))
+    auto* const note = dynamic_cast<WrappedLabel*>(&field);
+    if (note != nullptr)
         note->set_preferred_width(widest_note);
     else if (dynamic_cast<OptionGroup*>(row.Field) == nullptr)
         field.setMinimumWidth(narrowest_field);
-    if (row.Label.empty()) {
+    if (row.Label.empty() && row.Title == nullptr) {
         // A note may take the whole width; what the user fills in lines up with the other fields.
-        if (dynamic_cast<WrappedLabel*>(&field) != nullptr)
+        if (note != nullptr)
             rows.addRow(&field);
         else
             rows.setWidget(rows.rowCount(), QFormLayout::FieldRole, &field);
         return;
     }
-    if (field.accessibleName().isEmpty())
-        field.setAccessibleName(without_colon(row.Label));
-    auto& label = child_of<FittedLabel>(*rows.parentWidget(), 1.0);
-    label.setText(to_qt(row.Label));
-    label.setObjectName(field.objectName() + QStringLiteral(".Label"));
-    label.setMinimumWidth(std::min(label.fontMetrics().horizontalAdvance(label.text()) + 2, widest_label));
-    label.setMaximumWidth(widest_label);
-    label.setBuddy(&field);
+    FittedLabel& label = add_label(*rows.parentWidget(), row, field);
+    if (note == nullptr)
+        label.setContentsMargins(0, 3, 0, 3);
     if (dynamic_cast<QLineEdit*>(&field) != nullptr)
         label.setMinimumHeight(field.sizeHint().height());
     else // beside the first of several lines
         label.setAlignment(Qt::AlignLeft | Qt::AlignTop);
-    if (dynamic_cast<WrappedLabel*>(&field) == nullptr)
-        label.setContentsMargins(0, 3, 0, 3);
+    if (pages != nullptr)
+        pages->add_label(label);
+    else
+        label.setMinimumWidth(std::min(label.sizeHint().width(), widest_label));
+    label.setMaximumWidth(widest_label);
     rows.addRow(&label, &field);
+}
+
+FittedLabel& QtDialog::add_label(QWidget& parent, const Form::Row& row, QWidget& field) {
+    if (row.Title != nullptr) {
+        return controls_.add_title(*row.Title, parent, field, [this] {
+            if (isVisible())
+                align_labels();
+        });
+    }
+    if (field.accessibleName().isEmpty())
+        field.setAccessibleName(without_colon(row.Label));
+    auto& label = child_of<FittedLabel>(parent, 1.0);
+    label.setObjectName(field.objectName() + QStringLiteral(".Label"));
+    label.setBuddy(&field);
+    label.set_caption(to_qt(row.Label));
+    return label;
+}
+
+void QtDialog::align_labels() {
+    for (DialogPages* pages : pages_)
+        pages->align_labels(widest_label);
 }
 
 void QtDialog::add_buttons(QVBoxLayout& column) {
@@ -201,6 +247,13 @@ void QtDialog::show_modal() {
     exec();
     controls_.release();
     form_.Hide();
+}
+
+// From wherever no page took the key.
+void QtDialog::keyPressEvent(QKeyEvent* event) {
+    if (!pages_.empty() && pages_.front()->turned_by(*event))
+        return;
+    QDialog::keyPressEvent(event);
 }
 
 // Esc and the close box.

@@ -7,9 +7,15 @@
 #include <QFormLayout>
 #include <QVBoxLayout>
 
+#include <string>
+#include <vector>
+
 namespace kestrune {
 
-// The real dialog of a Form: a row for each of its rows, its buttons below.
+class DialogPages;
+
+// The real dialog of a Form: a row for each of its rows, its buttons below. What does not fit on the screen
+// scrolls; where there are pages, their rows do.
 class QtDialog final : public QDialog {
 public:
     // Enlarges the form's Width and Height to fit the content, keeping the centre that was asked for.
@@ -20,15 +26,25 @@ public:
 
     void reject() override;
 
+protected:
+    void keyPressEvent(QKeyEvent* event) override;
+
 private:
     void add_rows(QVBoxLayout& column);
-    void add_row(QFormLayout& rows, const Form::Row& row);
+    DialogPages& add_pages(QVBoxLayout& parts);
+    QFormLayout& add_group(QVBoxLayout& parts, const std::string& group);
+    // `pages` is null for a row that lies on none.
+    void add_row(QFormLayout& rows, const Form::Row& row, DialogPages* pages);
+    FittedLabel& add_label(QWidget& parent, const Form::Row& row, QWidget& field);
+    void align_labels();
+    // As wide as it needs, and as high as it may be on this screen.
+    void add_content(QVBoxLayout& column, QWidget& content);
     void add_buttons(QVBoxLayout& column);
     void place(QSize content);
     void focus_first();
 
     Form& form_;
-    int scrolled_height_ = 0; // pixels that rows in a scroll area would like to have beyond what it asks for
+    std::vector<DialogPages*> pages_; // from top to bottom; children
     ControlWidgets controls_{ControlWidgets::Placing::by_layout};
 };
 

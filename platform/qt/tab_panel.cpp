@@ -77,7 +77,7 @@ StatusPanels::StatusPanels(QWidget* parent) : QWidget(parent) {
 
 void StatusPanels::set_panel(int panel, const QString& text, int width) {
     Panel& changed = panels_.at(static_cast<std::size_t>(panel));
-    changed.label->setText(text);
+    changed.label->set_caption(text);
     if (changed.width != width) {
         changed.width = width;
         place_panels();

@@ -1,4 +1,4 @@
-#include "platform/qt/caption_widgets.h"
+#include "platform/qt/accessibility.h"
 #include "platform/qt/child_of.h"
 #include "platform/qt/control_widgets.h"
 #include "platform/qt/qt_text.h"
@@ -62,6 +62,8 @@ QWidget& ControlWidgets::make_text_line(TextBox& box, QWidget& parent) {
     auto& made = child_of<QLineEdit>(parent);
     made.setMaxLength(std::numeric_limits<int>::max());
     tie(box, made, [&box, &made] {
+        // Before the text, which is announced as it comes in.
+        set_masked(made, box.Masked.get());
         const QString text = to_qt(box.Text.get());
         if (made.text() != text) {
             made.setText(text);
