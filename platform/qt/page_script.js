@@ -440,6 +440,7 @@
                 const agent = new Agent(view);
                 agent.complete = native.readyState(its) === 'complete';
                 Object.defineProperty(view, key, { value: { document: its, agent, adopted: true }, configurable: true });
+                byId.set(agent.id, agent);
                 return agent;
             } catch (error) {
                 return null;
@@ -470,8 +471,9 @@
         function find(id) {
             if (agent.id === id)
                 return agent;
-            if (byId.has(id))
-                return byId.get(id);
+            const known = byId.get(id);
+            if (known && (known instanceof Remote || agentOf(known.view) === known))
+                return known;
             return below(window).map(agentOf).find((other) => other && other.id === id) || null;
         }
 
@@ -492,6 +494,9 @@
 
         function raise(one) {
             if (announced.has(one.id) || one.error || agentOf(one.view) !== one)
+                return;
+            // A page that makes frames without end is not followed without end.
+            if (one !== agent && announced.size >= limits.frames)
                 return;
             announced.add(one.id);
             tell({ event: 'complete', id: one.id, url: one.url });
