@@ -80,7 +80,8 @@ bool MemoryFiles::remove(const std::string& path) {
 }
 
 bool MemoryFiles::move(const std::string& from, const std::string& to) {
-    if (!file_exists(from) || folder_exists(to) || !may_create(to) || read_only_folders.contains(folder_of(from)))
+    if (!file_exists(from) || folder_exists(to) || !may_create(to) ||
+        read_only_folders.contains(folder_of(from)))
         return false;
     auto node = contents.extract(from);
     node.key() = to;

@@ -38,7 +38,6 @@ public:
 
 private:
     [[nodiscard]] bool may_create(const std::string& path) const;
-
 };
 
 } // namespace kestrune
