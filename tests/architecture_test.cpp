@@ -18,7 +18,7 @@ namespace fs = std::filesystem;
 // Rooms from the highest to the lowest; a file includes only files of its own room or of lower ones.
 const std::vector<std::string> rooms{"app", "shell", "filling", "sessions", "library", "platform"};
 const std::array<std::string, 4> logic_rooms{"shell", "filling", "sessions", "library"};
-const std::array<std::string, 4> adapter_families{"qt", "sqlite", "disk", "memory"};
+const std::array<std::string, 5> adapter_families{"qt", "sqlite", "jet", "disk", "memory"};
 
 struct Source {
     std::string path;                 // relative to the source folder

@@ -37,22 +37,6 @@ const char* const by_category =
     "softtype COLLATE NOCASE, referral DESC, linkfound DESC, description COLLATE NOCASE";
 const char* const category_alone = "softtype COLLATE NOCASE";
 
-void create_indexes(SqliteConnection& database) {
-    using site_terms::with_pad;
-    using site_terms::without_pad;
-    for (const std::string& index :
-         {queue_index(site_index::queue_with_pad, by_rank, with_pad),
-          queue_index(site_index::queue_without_pad, by_rank, without_pad),
-          queue_index(site_index::category_queue_with_pad, by_category, with_pad),
-          queue_index(site_index::category_queue_without_pad, by_category, without_pad),
-          queue_index(site_index::count_with_pad, category_alone, with_pad),
-          queue_index(site_index::count_without_pad, category_alone, without_pad),
-          list_index(site_index::list_with_pad, with_pad),
-          list_index(site_index::list_without_pad, without_pad),
-          std::string("CREATE INDEX sites_by_url ON tblSubmitList(url)")})
-        database.run(index.c_str());
-}
-
 DatabaseValue stored(const std::optional<std::string>& text) {
     return text ? DatabaseValue{*text} : DatabaseValue{};
 }
@@ -116,6 +100,26 @@ private:
 
 } // namespace
 
+void create_site_indexes(SqliteConnection& database) {
+    using site_terms::with_pad;
+    using site_terms::without_pad;
+    for (const std::string& index :
+         {queue_index(site_index::queue_with_pad, by_rank, with_pad),
+          queue_index(site_index::queue_without_pad, by_rank, without_pad),
+          queue_index(site_index::category_queue_with_pad, by_category, with_pad),
+          queue_index(site_index::category_queue_without_pad, by_category, without_pad),
+          queue_index(site_index::count_with_pad, category_alone, with_pad),
+          queue_index(site_index::count_without_pad, category_alone, without_pad),
+          list_index(site_index::list_with_pad, with_pad),
+          list_index(site_index::list_without_pad, without_pad),
+          std::string("CREATE INDEX sites_by_url ON tblSubmitList(url)")})
+        database.run(index.c_str());
+}
+
+void create_referral_indexes(SqliteConnection& database) {
+    database.run("CREATE INDEX referrals_by_url ON referral2(url COLLATE NOCASE)");
+}
+
 void create_site_library(const std::string& path, const std::vector<SiteRow>& rows) {
     if (::access(path.c_str(), F_OK) == 0)
         throw DatabaseError("there is a file already: " + path);
@@ -126,7 +130,7 @@ void create_site_library(const std::string& path, const std::vector<SiteRow>& ro
         database.run("BEGIN");
         database.run(table);
         insert_rows(database, rows);
-        create_indexes(database);
+        create_site_indexes(database);
         database.run("COMMIT");
     }
     file.become(path);

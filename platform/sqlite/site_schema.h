@@ -11,6 +11,13 @@ namespace kestrune {
 // already is never touched. Throws DatabaseError.
 void create_site_library(const std::string& path, const std::vector<SiteRow>& rows);
 
+class SqliteConnection;
+
+// Gives a table tblSubmitList, or referral2, that has the program's columns the indexes below. Throws
+// DatabaseError.
+void create_site_indexes(SqliteConnection& database);
+void create_referral_indexes(SqliteConnection& database);
+
 // Indexes of a site library that its statements name. A library works without them, slower.
 namespace site_index {
 inline constexpr const char* queue_with_pad = "queue_with_pad";

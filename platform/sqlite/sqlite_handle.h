@@ -21,6 +21,8 @@ public:
     static SqliteConnection create(const std::string& path);
 
     [[nodiscard]] sqlite3* get() const { return handle_.get(); }
+    // The full path of the file, links followed.
+    [[nodiscard]] std::string_view file() const { return sqlite3_db_filename(get(), "main"); }
     void run(const char* sql);
     // Whether a transaction is open.
     [[nodiscard]] bool in_transaction() const { return sqlite3_get_autocommit(get()) == 0; }
@@ -48,6 +50,7 @@ public:
     static SqliteQuery if_possible(const SqliteConnection& connection, const std::string& sql);
 
     explicit operator bool() const { return handle_ != nullptr; }
+    [[nodiscard]] sqlite3_stmt* get() const { return handle_.get(); }
 
     // index from 1. Values are copied.
     void bind(int index, const DatabaseValue& value);

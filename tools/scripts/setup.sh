@@ -1,6 +1,6 @@
 # Shared by ./run and ./test: installs what is missing and knows how to start things here. Sourced, not run.
 
-packages_build=(g++ cmake ninja-build pkg-config ccache qt6-base-dev qt6-webengine-dev qt6-webchannel-dev libsqlite3-dev
+packages_build=(g++ cmake ninja-build pkg-config ccache qt6-base-dev qt6-webengine-dev qt6-webchannel-dev libsqlite3-dev mdbtools-dev
     libcpp-httplib-dev fonts-dejavu-core xvfb xauth)
 packages_test=(libgtest-dev libgmock-dev)
 
