@@ -60,6 +60,12 @@ public:
     // shapes run (platform/statement.h). Throws DatabaseError.
     [[nodiscard]] virtual std::unique_ptr<Recordset> open(const std::string& path,
                                                           std::string_view statement) = 0;
+
+    // Copies the database file as it stands, whole: `to` is replaced by the complete copy or stays as it was.
+    // Throws DatabaseError.
+    virtual void copy(const std::string& from, const std::string& to) {
+        throw DatabaseError("this engine cannot copy " + from + " to " + to);
+    }
 };
 
 } // namespace kestrune

@@ -52,7 +52,8 @@ struct SiteQueueCount {
 struct AllSites {
     friend bool operator==(const AllSites&, const AllSites&) = default;
 };
-// Rows of the referral table whose address is one of the two, without regard to letter case.
+// Rows of the referral table whose address is one of the two, without regard to letter case; those of `url`
+// come first.
 struct ReferralsByUrl {
     std::string url;
     std::string alternative;

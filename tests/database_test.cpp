@@ -342,6 +342,8 @@ TYPED_TEST(DatabaseContract, ReferralsAreFoundByEitherAddressWithoutRegardToCase
         return hits;
     };
     EXPECT_THAT(hits("http://a.example/", "http://a.example"), ElementsAre(5, 7));
+    EXPECT_THAT(hits("http://a.example", "http://a.example/"), ElementsAre(7, 5));
+    EXPECT_THAT(hits("http://a.example", "HTTP://A.EXAMPLE"), ElementsAre(7));
     EXPECT_THAT(hits("http://b.example", ""), ElementsAre(9));
     EXPECT_THAT(hits("http://b.example/", "http://b.example"), IsEmpty());
 }
@@ -431,6 +433,49 @@ TYPED_TEST(DatabaseContract, LibraryWithoutOurIndexesGivesTheSameRowsInTheSameOr
         EXPECT_EQ(this->open(count(where), "loose.mdb")->number("cnt"),
                   static_cast<std::int64_t>(loose.size()));
     }
+}
+
+TYPED_TEST(DatabaseContract, CopyHoldsTheSameSites) {
+    this->libraries.create(lib, {site(1, "One"), site(2, "Two")});
+    this->libraries.database.copy(this->libraries.path(lib), this->libraries.path("copy.mdb"));
+    EXPECT_EQ(this->libraries.sites("copy.mdb"), this->libraries.sites(lib));
+}
+
+TYPED_TEST(DatabaseContract, CopyReplacesWhatIsThere) {
+    this->libraries.create(lib, {site(1, "One")});
+    this->libraries.create("copy.mdb", {site(7, "Seven"), site(8, "Eight")});
+    this->libraries.database.copy(this->libraries.path(lib), this->libraries.path("copy.mdb"));
+    EXPECT_EQ(this->libraries.sites("copy.mdb"), this->libraries.sites(lib));
+}
+
+TYPED_TEST(DatabaseContract, CopyHasWhatAnUnfinishedWalkHasChanged) {
+    this->libraries.create(lib, {site(1, "One"), site(2, "Two"), site(3, "Three")});
+    const auto walk = this->open(all);
+    for (; !walk->at_end(); walk->move_next()) {
+        walk->set("status", std::string("Y"));
+        walk->update();
+        if (walk->number("padkey") == 2)
+            this->libraries.database.copy(this->libraries.path(lib), this->libraries.path("copy.mdb"));
+    }
+    const auto copied = this->libraries.sites("copy.mdb");
+    EXPECT_EQ(copied.at(0).status, "Y");
+    EXPECT_EQ(copied.at(1).status, "Y");
+    EXPECT_EQ(copied.at(2).status, "N");
+}
+
+TYPED_TEST(DatabaseContract, CopyThatFailsLeavesTheTargetAsItWas) {
+    this->libraries.create("copy.mdb", {site(7, "Seven")});
+    const auto before = this->libraries.sites("copy.mdb");
+    const auto copy = [this](const std::string& from) {
+        this->libraries.database.copy(this->libraries.path(from), this->libraries.path("copy.mdb"));
+    };
+    EXPECT_THROW(copy("missing.mdb"), DatabaseError);
+    this->libraries.create(lib, {site(1, "One")});
+    {
+        const Guard locked = this->libraries.lock(lib);
+        EXPECT_THROW(copy(lib), DatabaseError);
+    }
+    EXPECT_EQ(this->libraries.sites("copy.mdb"), before);
 }
 
 } // namespace

@@ -61,6 +61,11 @@ public:
         });
     }
 
+    void first(const std::function<bool(const Row&)>& preferred) {
+        std::stable_partition(found_.begin(), found_.end(),
+                              [&preferred](const Row* row) { return preferred(*row); });
+    }
+
     void filter(const SiteFilter& filter) {
         const std::size_t pad = table_.column("pad");
         keep([=](const Row& row) {
@@ -130,6 +135,7 @@ struct Select {
         rows.keep([&](const Row& row) {
             return same_text(row.values[url], by_url.url) || same_text(row.values[url], by_url.alternative);
         });
+        rows.first([&](const Row& row) { return same_text(row.values[url], by_url.url); });
     }
 };
 
@@ -282,6 +288,19 @@ std::unique_ptr<Recordset> MemoryDatabase::open(const std::string& path, std::st
     if (std::holds_alternative<SiteQueueCount>(known))
         return std::make_unique<CountRecordset>(rows.ids().size());
     return std::make_unique<MemoryRecordset>(*found, faults, rows.ids());
+}
+
+void MemoryDatabase::copy(const std::string& from, const std::string& to) {
+    faults.count();
+    if (faults.locked)
+        throw DatabaseError("database is locked");
+    const auto source = files_.find(from);
+    if (source == files_.end())
+        throw DatabaseError("no such database: " + from);
+    std::vector<std::unique_ptr<MemoryTable>> tables;
+    for (const auto& table : source->second)
+        tables.push_back(std::make_unique<MemoryTable>(*table));
+    files_[to] = std::move(tables);
 }
 
 MemoryTable& MemoryDatabase::create_library(const std::string& path) {

@@ -51,6 +51,7 @@ class MemoryDatabase : public Database {
 public:
     [[nodiscard]] std::unique_ptr<Recordset> open(const std::string& path,
                                                   std::string_view statement) override;
+    void copy(const std::string& from, const std::string& to) override;
 
     // An empty site library at the path, with the columns that the program knows.
     MemoryTable& create_library(const std::string& path);

@@ -4,6 +4,8 @@
 #include "platform/sqlite/sqlite_recordset.h"
 
 #include <memory>
+#include <string>
+#include <string_view>
 
 namespace kestrune {
 
@@ -13,8 +15,11 @@ class SqliteDatabase : public Database {
 public:
     [[nodiscard]] std::unique_ptr<Recordset> open(const std::string& path,
                                                   std::string_view statement) override;
+    void copy(const std::string& from, const std::string& to) override;
 
 private:
+    void store_held_back(std::string_view file);
+
     std::shared_ptr<HeldBack> held_back_ = std::make_shared<HeldBack>();
 };
 

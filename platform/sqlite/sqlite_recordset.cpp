@@ -52,6 +52,8 @@ SqliteRecordset::~SqliteRecordset() {
     std::erase(*held_back_, this);
 }
 
+std::string_view SqliteRecordset::file() const { return connection_.file(); }
+
 bool SqliteRecordset::at_end() const { return walking() ? !select_has_row_ : position_ >= row_ids_.size(); }
 
 void SqliteRecordset::move_next() {

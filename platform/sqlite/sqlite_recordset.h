@@ -8,6 +8,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -15,8 +16,8 @@ namespace kestrune {
 
 class SqliteRecordset;
 
-// The recordsets that hold back changes in an open transaction. Another operation of the same program would
-// wait for them in vain, so it has them stored first.
+// The recordsets that hold back changes in an open transaction. Another operation of the same program on the
+// same file would wait for them in vain, so it has them stored first.
 using HeldBack = std::vector<SqliteRecordset*>;
 
 // The rows of one select over a connection of its own.
@@ -28,7 +29,7 @@ using HeldBack = std::vector<SqliteRecordset*>;
 //
 // The first change is stored at once, those after it in groups, so that a long walk does not flush the disk
 // for every row. A group is stored when it is full, when the walk ends or is given up, and before another
-// operation.
+// operation on the file.
 class SqliteRecordset final : public Recordset {
 public:
     SqliteRecordset(SqliteConnection connection, const Statement& statement,
@@ -47,6 +48,8 @@ public:
     void update() override;
     void delete_current() override;
 
+    // The database file, under one name however it was opened.
+    [[nodiscard]] std::string_view file() const;
     // Stores the changes held back. When they cannot be stored together, as many as possible are stored one
     // by one, in order, and the failure is thrown.
     void store_held_back();
