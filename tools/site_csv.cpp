@@ -1,6 +1,7 @@
 #include "tools/site_csv.h"
 
 #include "platform/statement.h"
+#include "tools/csv.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -12,67 +13,7 @@ namespace {
 
 const std::vector<std::string> header{"description", "url", "softtype", "pad", "sure", "evidence"};
 
-[[noreturn]] void fail(std::size_t line, const std::string& what) {
-    throw SiteCsvError("line " + std::to_string(line) + ": " + what);
-}
-
-class CsvReader {
-public:
-    explicit CsvReader(std::string_view text) : rest_(text) {}
-
-    [[nodiscard]] std::size_t line() const { return line_; }
-
-    // The fields of the next record; nothing at the end.
-    std::optional<std::vector<std::string>> next() {
-        line_ = next_line_;
-        if (rest_.empty())
-            return std::nullopt;
-        std::vector<std::string> fields;
-        do {
-            fields.push_back(rest_.starts_with('"') ? quoted() : plain());
-        } while (take(','));
-        if (!rest_.empty() && !take('\n') && !(take('\r') && take('\n')))
-            fail(line_, "text after a quoted field");
-        ++next_line_;
-        return fields;
-    }
-
-private:
-    bool take(char wanted) {
-        if (!rest_.starts_with(wanted))
-            return false;
-        rest_.remove_prefix(1);
-        return true;
-    }
-
-    std::string plain() {
-        const auto end = std::min(rest_.find_first_of(",\r\n"), rest_.size());
-        std::string field{rest_.substr(0, end)};
-        rest_.remove_prefix(end);
-        return field;
-    }
-
-    std::string quoted() {
-        std::string field;
-        take('"');
-        for (;;) {
-            const auto end = rest_.find('"');
-            if (end == std::string_view::npos)
-                fail(line_, "a quotation mark that is not closed");
-            field += rest_.substr(0, end);
-            rest_.remove_prefix(end + 1);
-            if (!take('"'))
-                break;
-            field += '"';
-        }
-        next_line_ += static_cast<std::size_t>(std::count(field.begin(), field.end(), '\n'));
-        return field;
-    }
-
-    std::string_view rest_;
-    std::size_t line_ = 1;
-    std::size_t next_line_ = 1;
-};
+[[noreturn]] void fail(std::size_t line, const std::string& what) { throw SiteCsvError(in_line(line, what)); }
 
 bool is_one_of(std::string_view text, std::initializer_list<std::string_view> allowed) {
     return std::find(allowed.begin(), allowed.end(), text) != allowed.end();
@@ -97,9 +38,7 @@ void check(const std::vector<std::string>& fields, std::size_t line) {
         fail(line, "not high, medium or low: " + fields[4]);
 }
 
-} // namespace
-
-std::vector<SiteRow> read_site_csv(std::string_view text) {
+std::vector<SiteRow> read_sites(std::string_view text) {
     CsvReader reader{text};
     if (reader.next() != header)
         fail(1, "the columns are not those of a list of sites");
@@ -117,6 +56,16 @@ std::vector<SiteRow> read_site_csv(std::string_view text) {
         sites.push_back(std::move(site));
     }
     return sites;
+}
+
+} // namespace
+
+std::vector<SiteRow> read_site_csv(std::string_view text) {
+    try {
+        return read_sites(text);
+    } catch (const CsvError& error) {
+        throw SiteCsvError(error.what());
+    }
 }
 
 } // namespace kestrune
