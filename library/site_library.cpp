@@ -1,5 +1,7 @@
 #include "library/site_library.h"
 
+#include "library/library_backup.h"
+
 #include <charconv>
 #include <limits>
 #include <memory>
@@ -104,7 +106,14 @@ bool SiteLibrary::UpdateSiteRecord(std::string_view dbName, std::string_view lis
     return found;
 }
 
+void SiteLibrary::back_up(std::string_view dbName) {
+    if (backup_ != nullptr)
+        backup_->BackUp(dbName);
+}
+
 bool SiteLibrary::DeleteSiteRecord(std::string_view dbName, std::string_view listKey) {
+    if (backup_ != nullptr)
+        backup_->BackUpBeforeDelete(dbName);
     bool found = false;
     run_database_step("DeleteSiteRecord", [&] {
         const auto row = database_.open(path(dbName), by_key(key_of(listKey)));

@@ -11,6 +11,8 @@
 
 namespace kestrune {
 
+class LibraryBackup;
+
 // File name of the site library, in the program's folder.
 inline constexpr std::string_view site_library_name = "SubmitList.mdb";
 
@@ -69,6 +71,12 @@ public:
     // The one writer of the column; no part of this version calls it.
     bool SetLinkFound(std::string_view dbName, std::string_view url, int value);
 
+    // From now on the database is copied before the first deletion of the run and before each reset. backup
+    // outlives the library.
+    void keep_backups(LibraryBackup& backup) { backup_ = &backup; }
+    // What a reset does first.
+    void back_up(std::string_view dbName);
+
     [[nodiscard]] Database& database() const { return database_; }
     // Full path of a database beside the program.
     [[nodiscard]] std::string path(std::string_view dbName) const { return files_.path(folder_, dbName); }
@@ -77,6 +85,7 @@ private:
     Database& database_;
     const Files& files_;
     std::string folder_;
+    LibraryBackup* backup_ = nullptr; // not owned
 };
 
 } // namespace kestrune

@@ -142,6 +142,7 @@ void EditSiteRecord(const SubmitStatusControls& window, ListView& listView, std:
 }
 
 void ResetSiteStatus(SiteLibrary& library, std::string_view dbName, ListView& listView, bool padEnabled) {
+    library.back_up(dbName);
     run_database_step("ResetSiteStatus", [&] {
         {
             const auto rows =

@@ -8,8 +8,10 @@
 namespace kestrune {
 
 Program::Program(UserInterface& ui, Files& files, Database& database, std::string folder)
-    : ui_(ui), files_(files), folder_(std::move(folder)), library_(database, files, folder_),
-      record_files_(files, folder_), frmPreference_(ui, files) {}
+    : ui_(ui), files_(files), folder_(std::move(folder)), backup_(database, files, folder_),
+      library_(database, files, folder_), record_files_(files, folder_), frmPreference_(ui, files) {
+    library_.keep_backups(backup_);
+}
 
 Program::~Program() {
     // Pop-ups refer to their openers, so the newest goes first.

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "library/product_profile.h"
+#include "library/library_backup.h"
 #include "library/site_library.h"
 #include "platform/database.h"
 #include "platform/files.h"
@@ -49,6 +50,7 @@ private:
     UserInterface& ui_;
     Files& files_;
     std::string folder_;
+    LibraryBackup backup_;
     SiteLibrary library_;
     RecordFiles record_files_;
     FrmPreference frmPreference_;

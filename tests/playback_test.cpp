@@ -269,6 +269,27 @@ TEST_F(SiteButtonsTest, ADeleteDoesNotLowerTheCountOfTheLastLoad) {
     EXPECT_EQ(window().glngNoOfPadRecord, 1);
 }
 
+TEST_F(SiteButtonsTest, LibraryIsCopiedBeforeTheFirstDeleteOfARunAndBeforeEachReset) {
+    const std::string copy = files.path(files.path(folder, "backup"), site_library_name);
+    const auto kept = [&] {
+        const MemoryTable* const table = database.table(copy, "tblSubmitList");
+        return table == nullptr ? -1 : static_cast<int>(MemoryDatabase::sites(*table).size());
+    };
+    window().SSTab1.set_tab(2);
+    window().lvwPAD.select("K1");
+    ui.expect_box("Are you sure to delete PAD Record?", Answer::Yes);
+    window().cmdDelete.press();
+    EXPECT_EQ(kept(), 2);
+    window().SSTab1.set_tab(3);
+    window().lvwNonPad.select("K2");
+    ui.expect_box("Are you sure to delete NON-PAD Record?", Answer::Yes);
+    window().cmdDelete.press();
+    EXPECT_EQ(kept(), 2) << "the state before the first delete is the one worth having";
+    ui.expect_box("Do you want to reset all status to 'Not Yet Processed'?", Answer::Yes);
+    window().cmdReset.press();
+    EXPECT_EQ(kept(), 0);
+}
+
 TEST_F(SiteButtonsTest, ResetOnThePadTabResetsItsListAndOnAnyOtherTabTheOther) {
     const std::string question = "Do you want to reset all status to 'Not Yet Processed'?";
     program.library().UpdateSubmitStatus(site_library_name, "http://a/", "Y", "");
