@@ -20,6 +20,9 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
+// An outcome is told as this exit code or one above it, so that no exit of libmdb's own is taken for one.
+constexpr int first_exit_code = 64;
+
 constexpr std::chrono::milliseconds between_progress{100};
 // libmdb walks in circles in some damaged files.
 constexpr std::chrono::seconds longest_silence{60};
@@ -35,7 +38,7 @@ void quieten() {
 [[noreturn]] void convert_and_exit(const JetFile& file, const CreateTable& create, int news, pid_t parent) {
     ::prctl(PR_SET_PDEATHSIG, SIGKILL);
     if (::getppid() != parent)
-        ::_exit(static_cast<int>(JetOutcome::NotWritten));
+        ::_exit(first_exit_code + static_cast<int>(JetOutcome::NotWritten));
     quieten();
     JetOutcome outcome = JetOutcome::Damaged;
     try {
@@ -45,7 +48,7 @@ void quieten() {
     } catch (...) {
         outcome = JetOutcome::Damaged;
     }
-    ::_exit(static_cast<int>(outcome));
+    ::_exit(first_exit_code + static_cast<int>(outcome));
 }
 
 } // namespace
@@ -109,10 +112,10 @@ private:
         while (::waitpid(process_, &status, 0) < 0 && errno == EINTR) {
         }
         outcome_ = JetOutcome::Damaged;
-        if (WIFEXITED(status) && WEXITSTATUS(status) <= static_cast<int>(JetOutcome::NotWritten))
-            outcome_ = static_cast<JetOutcome>(WEXITSTATUS(status));
-        // One that was ended from outside could not tidy up.
-        if (WIFSIGNALED(status))
+        const int told = WIFEXITED(status) ? WEXITSTATUS(status) - first_exit_code : -1;
+        if (told >= 0 && told <= static_cast<int>(JetOutcome::NotWritten))
+            outcome_ = static_cast<JetOutcome>(told);
+        else // ended from outside or by the library it uses: it could not tidy up
             ::unlink(unfinished_name(path_).c_str());
         progress_.done = progress_.total;
         if (outcome_ != JetOutcome::Converted && outcome_ != JetOutcome::NotJet)
