@@ -1,7 +1,7 @@
 #pragma once
 
-#include "library/product_profile.h"
 #include "library/library_backup.h"
+#include "library/product_profile.h"
 #include "library/site_library.h"
 #include "platform/database.h"
 #include "platform/files.h"
