@@ -10,7 +10,7 @@
 
 namespace kestrune {
 
-// What the top frame's script reports; described on top of page_script.js.
+// What the top frame's script reports; described on top of page/script.js.
 struct PageNotice {
     enum class Kind { begin, frame, complete, image, ready };
     Kind kind = Kind::begin;

@@ -12,7 +12,7 @@
 namespace kestrune {
 
 // What the page side sends is a stranger's word: it is taken key by key and type by type, bounded in size,
-// and what does not fit is dropped. The forms are described on top of page_script.js.
+// and what does not fit is dropped. The forms are described on top of page/script.js.
 
 // Nothing when the text is no image of the document. `parts` is what was asked for.
 std::optional<PageDocument> read_image(const QString& json, const DocumentId& document, PageParts parts);

@@ -3,6 +3,7 @@
 #include "platform/diagnostics.h"
 #include "platform/qt/engine_address.h"
 
+#include <QDir>
 #include <QFile>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -57,12 +58,25 @@ QString random_token() {
     return QString::fromLatin1(QByteArray(reinterpret_cast<const char*>(words.data()), sizeof words).toHex());
 }
 
-QString page_script() {
-    have_resources();
-    QFile file(QStringLiteral(":/kestrune/page_script.js"));
+QString script_file(const QFileInfo& info) {
+    QFile file(info.filePath());
     if (!file.open(QIODevice::ReadOnly))
-        qFatal("the page script is not in the program");
+        qFatal("a page script is not in the program");
     return QString::fromUtf8(file.readAll());
+}
+
+// Each file evaluates to a function; the one of script.js takes the others by name.
+QString page_script(const QJsonObject& config) {
+    have_resources();
+    const QDir folder(QStringLiteral(":/kestrune/page"));
+    QString others;
+    for (const QFileInfo& info : folder.entryInfoList({QStringLiteral("*.js")}, QDir::Files, QDir::Name)) {
+        if (info.completeBaseName() != QLatin1String("script"))
+            others += info.completeBaseName() + QLatin1Char(':') + script_file(info) + QLatin1Char(',');
+    }
+    return QStringLiteral("'use strict';") + script_file(QFileInfo(folder, QStringLiteral("script.js"))) +
+           QStringLiteral("({") + others + QStringLiteral("},") +
+           QString::fromUtf8(QJsonDocument(config).toJson(QJsonDocument::Compact)) + QStringLiteral(");");
 }
 
 } // namespace
@@ -98,9 +112,7 @@ void EnginePage::set_straggler_time(std::chrono::milliseconds time) {
     script.setWorldId(QWebEngineScript::ApplicationWorld);
     script.setInjectionPoint(QWebEngineScript::DocumentCreation);
     script.setRunsOnSubFrames(true);
-    script.setSourceCode(page_script() + QLatin1Char('(') +
-                         QString::fromUtf8(QJsonDocument(config).toJson(QJsonDocument::Compact)) +
-                         QStringLiteral(");"));
+    script.setSourceCode(page_script(config));
     for (const QWebEngineScript& former : scripts().find(script_name()))
         scripts().remove(former);
     scripts().insert(script);

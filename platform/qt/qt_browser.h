@@ -12,7 +12,7 @@ namespace kestrune {
 
 class EngineProfile;
 
-// The embedded browser on Qt WebEngine. A page side script in every frame (page_script.js) hands over images
+// The embedded browser on Qt WebEngine. A page side script in every frame (page/script.js) hands over images
 // of documents and carries edits out.
 class QtBrowser : public Browser {
 public:

@@ -1,0 +1,191 @@
+// A document as the program sees it: takes its image and carries out edits. Takes the shared natives, evaluates to
+// the class.
+(function ({ native, html, textTypes, limits, randomId, text }) {
+    function formTags(source) {
+        const tags = [];
+        const opening = /<form /gi;
+        for (let hit = opening.exec(source); hit && tags.length < limits.tags; hit = opening.exec(source)) {
+            const end = source.indexOf('>', hit.index + 1);
+            if (end < 0)
+                break;
+            tags.push(text(source.slice(hit.index, end + 1)));
+            opening.lastIndex = end + 1;
+        }
+        return tags;
+    }
+
+    // The document's source; open shadow roots stand in it as templates where the engine can write them so.
+    function sourceOf(root) {
+        if (typeof root.getInnerHTML === 'function')
+            return root.getInnerHTML({ includeShadowRoots: true });
+        return native.innerHTML(root);
+    }
+
+    function mayHaveShadowRoots(root, source) {
+        if (typeof root.getInnerHTML === 'function')
+            return /<template shadowroot/.test(source);
+        return Array.prototype.some.call(native.queryAll(root, '*'), (element) => native.shadowRoot(element));
+    }
+
+    // Links, forms and inputs in document order, a shadow root's where its host stands.
+    function walkShadows(root, found) {
+        const all = root instanceof DocumentFragment ? native.queryAllInShadow(root, '*') : native.queryAll(root, '*');
+        for (const element of all) {
+            if (native.namespace(element) === html) {
+                const name = native.localName(element);
+                if (name === 'form')
+                    found.forms.push(element);
+                else if (name === 'input')
+                    found.inputs.push(element);
+                else if ((name === 'a' || name === 'area') && native.has(element, 'href'))
+                    found.links.push(element);
+            }
+            const shadow = native.shadowRoot(element);
+            if (shadow)
+                walkShadows(shadow, found);
+        }
+        return found;
+    }
+
+    // One document and the elements of it that were shown to the program.
+    class Agent {
+        constructor(view) {
+            this.view = view;
+            this.document = view.document;
+            this.id = randomId();
+            this.complete = false;
+            this.numbers = new WeakMap();
+            this.elements = new Map();
+            this.imageCount = 0;
+            this.nextElement = 1;
+        }
+
+        get url() {
+            return this.view.location.href;
+        }
+
+        image(parts) {
+            const image = { id: this.id, url: this.url };
+            const root = native.root(this.document);
+            if (!root)
+                return image;
+            const source = sourceOf(root);
+            image.tags = formTags(source);
+            ++this.imageCount;
+            const found = mayHaveShadowRoots(root, source)
+                ? walkShadows(root, { links: [], forms: [], inputs: [] })
+                : null;
+            if (parts.links)
+                image.links = this.showLinks(found ? found.links : native.links(this.document));
+            if (parts.forms) {
+                image.forms = Array.from(found ? found.forms : native.forms(this.document), (form) =>
+                    this.showForm(form));
+                const inputs = found ? found.inputs : native.byTag(this.document, 'INPUT');
+                image.inputs = Array.from(inputs, (input) => this.showElement(input));
+            }
+            this.letGo();
+            return image;
+        }
+
+        // Elements stay reachable for as long as the last few images that showed them, and no longer.
+        letGo() {
+            if (this.imageCount % limits.images !== 0)
+                return;
+            for (const [number, held] of this.elements) {
+                if (held.image <= this.imageCount - limits.images)
+                    this.elements.delete(number);
+            }
+        }
+
+        number(element) {
+            const known = this.numbers.get(element);
+            const number = known === undefined ? this.nextElement++ : known;
+            if (known === undefined)
+                this.numbers.set(element, number);
+            this.elements.set(number, { element, image: this.imageCount });
+            return number;
+        }
+
+        showLinks(links) {
+            const shown = [];
+            for (const link of links) {
+                if (shown.length >= limits.elements)
+                    break;
+                shown.push([this.number(link), text(link.innerText)]);
+            }
+            return shown;
+        }
+
+        showForm(form) {
+            const shown = { element: this.number(form) };
+            shown.id = text(native.attribute(form, 'id'));
+            // Read as page code would read it: an input of that name hides the property.
+            const action = form.action;
+            if (typeof action === 'string') {
+                shown.action = text(native.attribute(form, 'action'));
+            } else {
+                shown.action = '[object]';
+                shown.actionInput = text(action.value);
+            }
+            shown.elements = Array.from(native.elements(form), (element) => this.showElement(element));
+            return shown;
+        }
+
+        showElement(element) {
+            const shown = { element: this.number(element) };
+            const type = text(element.type);
+            shown.type = native.localName(element) === 'input' && textTypes.has(type) ? 'text' : type;
+            shown.name = text(element.name);
+            const value = text(element.value);
+            shown.value = type === 'textarea' ? value.replace(/\r\n?|\n/g, '\r\n') : value;
+            if (type === 'image')
+                shown.src = text(native.attribute(element, 'src'));
+            if (element.checked === true)
+                shown.checked = true;
+            if (native.localName(element) === 'select')
+                shown.options = Array.from(element.options, (option) =>
+                    [this.number(option), text(option.text), text(option.value), option.selected === true]);
+            return shown;
+        }
+
+        find(number) {
+            const held = this.elements.get(number);
+            if (!held || !native.connected(held.element) || native.owner(held.element) !== this.document)
+                return null;
+            return held.element;
+        }
+
+        apply(edit) {
+            const element = this.find(edit.element);
+            if (!element)
+                return;
+            const name = native.localName(element);
+            if (edit.kind === 'click')
+                native.click(element);
+            else if (edit.kind === 'value' && (name === 'input' || name === 'textarea' || name === 'select'))
+                this.write(element, () => { element.value = edit.text; });
+            else if (edit.kind === 'check' && name === 'input')
+                this.check(element);
+            else if (edit.kind === 'select' && name === 'option')
+                this.write(element.closest('select') || element, () => { element.selected = true; });
+        }
+
+        // Script frameworks hear of a check box by its click, so it is clicked; a page that undoes the click, and
+        // a disabled box, get it written.
+        check(element) {
+            if (element.checked)
+                return;
+            native.click(element);
+            if (!element.checked && native.connected(element))
+                this.write(element, () => { element.checked = true; });
+        }
+
+        write(element, set) {
+            set();
+            for (const type of ['input', 'change'])
+                native.dispatch(element, new Event(type, { bubbles: true, composed: type === 'input' }));
+        }
+    }
+
+    return Agent;
+})

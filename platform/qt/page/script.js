@@ -1,0 +1,58 @@
+// The program's hand in every document. Runs in an isolated world of its own, in every frame, before the page's
+// scripts; page code cannot reach anything of it. Evaluates to a function that takes the functions of the other files
+// in this folder, under the files' names, and the configuration:
+//   token      random text of this run; tells our frames' messages to the top window from a page's
+//   straggler  ms after DOMContentLoaded when a document without its load event counts as completed
+//   answer     ms that a frame has for an answer
+//
+// Program to top frame: calls of the object that the isolated world's global holds under `kestrune`
+//   image(id, parts, request)  image of a document as JSON; "" when it comes later by an event; "null" when gone
+//   take(request)              the text that a "ready" event announced
+//   apply(edits)               [{kind, document, element, text}, ...]
+//   stop()                     the user stopped the load
+// Top frame to program: events over the web channel, each a JSON object
+//   {event: "begin", id, url, error}   a document has taken over the top window; error: the engine's own error page
+//   {event: "frame"}                   a document has taken over a frame
+//   {event: "complete", id, url}       a document has completed; frames before the document they lie in
+//   {event: "image", request, text}    the late answer to image(), when it is short
+//   {event: "ready", request}          the late answer is there to be taken
+// Frame to top frame: one window message {token, id, url, error} that carries a port; everything else goes over the
+// port, where page code cannot listen. The token never travels towards a frame.
+//   {event: "complete", url}, {event: "gone"}, {answer: number, value}
+// Top frame to frame, over the port: {ask: "image" | "apply" | "stop" | "ping", number, value}
+//
+// An image is {id, url, tags: [text], links: [[element, text]], forms: [form], inputs: [element], frames: [image]}.
+// A form is {element, id, action, actionInput, elements}; an element {element, type, name, value, src, checked,
+// options: [[element, text, value, selected]]}; what is empty or false is left out.
+(function (files, config) {
+    const key = 'kestrune';
+    // The engine runs scripts again in some documents.
+    const before = globalThis[key];
+    if (before && before.document === document && !before.adopted)
+        return;
+
+    const natives = files.natives();
+    const Agent = files.agent(natives);
+    const completion = files.completion(natives, config);
+
+    // The top frame may have come first.
+    const agent = before && before.document === document ? before.agent : new Agent(window);
+    const ours = { document, agent };
+    Object.defineProperty(globalThis, key, { value: ours, configurable: true });
+    const errorPage = location.protocol === 'chrome-error:';
+
+    if (window !== window.top) {
+        if (errorPage)
+            window.top.postMessage({ token: config.token, id: agent.id, url: '', error: true }, '*',
+                [new MessageChannel().port2]);
+        else
+            files.frame(completion, config)(agent);
+    } else if (errorPage) {
+        qt.webChannelTransport.send(JSON.stringify({
+            type: 6, object: key, method: 'post', id: 1,
+            args: [JSON.stringify({ event: 'begin', id: agent.id, url: '', error: true })],
+        }));
+    } else {
+        files.top(natives, completion, Agent, files.remote(config), config)(agent, ours);
+    }
+})
