@@ -28,8 +28,9 @@ namespace kestrune {
 //     line below counts instead.
 //  4. In a row without any text the fields have the text of the cell above in the same column, if the row
 //     above has no fields; if the table's first row holds a field without a text, the cell below.
-//  5. A field that has no text so far takes what the row around its table gives it, if there are no more than
-//     three fields in that row's cell.
+//  5. A field that has no text so far, or a unit alone, takes what the row around its table gives it, if
+//  there
+//     are no more than three fields in that row's cell.
 //
 // Text is what can be read: no tags, no options of lists, no scripts. Check boxes and option buttons count as
 // several fields for rule 1; hidden fields and push buttons are no fields at all.

@@ -83,19 +83,23 @@ bool is_unit(std::string_view text) {
 }
 
 std::string RowLabels::label_of(const SourceField& field) {
+    std::string unit;
     std::size_t row = field.row;
     for (std::size_t depth = 0; row != no_index && depth <= most_outer_rows; ++depth) {
         const Labels& labels = row_labels(row);
         const auto found = labels.find(field.token);
-        if (found != labels.end() && has_words(found->second))
-            return found->second;
+        if (found != labels.end() && has_words(found->second)) {
+            if (!is_unit(found->second))
+                return found->second;
+            unit = found->second;
+        }
         const SourceRow& inner = rows_.rows[row];
         if (inner.outer_row == no_index ||
             rows_.rows[inner.outer_row].cells[inner.outer_cell].fields > most_fields_around)
             break;
         row = inner.outer_row;
     }
-    return {};
+    return unit;
 }
 
 const RowLabels::Labels& RowLabels::row_labels(std::size_t row) {

@@ -28,6 +28,7 @@ public:
     WrittenFields& operator=(WrittenFields&&) = delete;
     ~WrittenFields() = default;
 
+    [[nodiscard]] const std::string& html() const { return text_; }
     [[nodiscard]] const std::vector<WrittenField>& fields() const { return fields_; }
     [[nodiscard]] std::size_t forms() const { return forms_; }
 

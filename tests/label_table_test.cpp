@@ -236,6 +236,12 @@ TEST(LabelTable, TableAroundALoneFieldTakesTheTextOfTheRowAroundIt) {
     EXPECT_EQ(label(row(cell("Version") + cell(wrapped)), "a"), "Version");
 }
 
+TEST(LabelTable, UnitInATableAroundALoneFieldIsReadWithTheTextOfTheRowAroundIt) {
+    const std::string small = "<table><tr>" + cell(input("a")) + cell("&nbsp;KB") + "</tr></table>";
+    EXPECT_EQ(label(row(cell("Size") + cell(small)), "a"), "Size KB");
+    EXPECT_EQ(label("<form>" + small, "a"), "KB");
+}
+
 TEST(LabelTable, LayoutRowGivesALabelLessFieldOfALongFormNothing) {
     std::string rows_of_form = "<tr>" + cell(input("first")) + "</tr>";
     for (const char* name : {"a", "b", "c", "d", "e"})

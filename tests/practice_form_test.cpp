@@ -1,7 +1,10 @@
 #include "tools/matching/form_data.h"
 
+#include "filling/live_page.h"
+#include "filling/pad_matcher.h"
 #include "form_fields.h"
 #include "library/product_profile.h"
+#include "platform/browser.h"
 #include "platform/code_page.h"
 #include "platform/memory/memory_files.h"
 #include "platform/memory/memory_ui.h"
@@ -307,6 +310,7 @@ protected:
     }
 
     const std::vector<PageData> pages = load_form_data(folder);
+    [[nodiscard]] const FrmPreference& boxes() const { return boxes_; }
     ProfileTexts profile;
 
 private:
@@ -422,6 +426,102 @@ TEST_F(PracticeForms, OptionOfEachListIsTheOneThatTheRulesForListsSelect) {
             EXPECT_NE(option, written.options.front()) << "it is selected before anything is filled";
         }
     });
+}
+
+// A browser that takes edits and shows nothing.
+class SilentBrowser final : public Browser {
+public:
+    void Navigate(std::string_view /*url*/) override {}
+    void GoBack() override {}
+    void Reload() override {}
+    void Stop() override {}
+    [[nodiscard]] std::string LocationURL() const override { return {}; }
+    std::optional<PageDocument> take_image(const DocumentId& /*document*/, PageParts /*parts*/) override {
+        return std::nullopt;
+    }
+    void apply(const std::vector<PageEdit>& /*edits*/) override {}
+};
+
+// The form as an image. A field outside of table rows has the label that a person reads.
+PageForm image_of(const FormData& form, const WrittenFields& written) {
+    PageForm image;
+    std::uint32_t number = 0;
+    std::map<std::string, std::size_t> seen;
+    for (const WrittenField& field : written.fields()) {
+        if (field.form != form.number)
+            continue;
+        static const std::map<std::string, std::string> types{
+            {"select", "select-one"}, {"email", "text"}, {"url", "text"},   {"tel", "text"},
+            {"number", "text"},       {"date", "text"},  {"search", "text"}};
+        PageElement element;
+        element.ref = {"page", ++number};
+        const auto type = types.find(field.type);
+        element.type = type == types.end() ? field.type : type->second;
+        element.name = field.name;
+        for (const std::string& option : field.options)
+            element.options.push_back({{"page", ++number}, option, option, element.options.empty()});
+        const std::size_t ordinal = ++seen[field.name];
+        const auto data = std::ranges::find_if(form.fields, [&](const FieldData& one) {
+            return one.name == field.name && one.ordinal == ordinal;
+        });
+        if (data != form.fields.end())
+            element.label = data->label;
+        image.elements.push_back(std::move(element));
+    }
+    return image;
+}
+
+std::vector<FieldState> states_of(const PageForm& form) {
+    std::vector<FieldState> states;
+    for (const PageElement& element : form.elements) {
+        FieldState state{element.name, element.value};
+        for (const PageOption& option : element.options) {
+            if (option.selected)
+                state.value = option.text;
+        }
+        states.push_back(std::move(state));
+    }
+    return states;
+}
+
+// The page's source when its scripts have run, as far as these pages need it.
+std::string source_of(const WrittenFields& fields) {
+    constexpr std::string_view as_written = "<template id=\"publish\">";
+    std::string source = fields.html();
+    if (const auto at = source.find(as_written); at != std::string::npos)
+        source.replace(at, as_written.size(), "<template shadowroot=\"open\">");
+    return source;
+}
+
+// The rules alone, on the pages as they are written; the real window fills them in tests of its own.
+TEST_F(PracticeForms, MatcherGivesEachFieldWhatTheTablesRulesSay) {
+    for (const PageData& page : pages) {
+        const FormData& form = page.filled();
+        const WrittenFields fields = written(page, form.document);
+        PageDocument image;
+        image.id = "page";
+        image.parts = {.links = false, .forms = true, .labels = true};
+        image.source = source_of(fields);
+        image.forms.resize(form.number);
+        image.forms.back() = image_of(form, fields);
+        const auto before = states_of(image.forms.back());
+        for (const PageElement& element : image.forms.back().elements) {
+            if (element.name == form.press)
+                image.active_element.ref = element.ref;
+        }
+        SilentBrowser browser;
+        LivePage live{browser, std::move(image)};
+        std::map<std::string, std::string> by;
+        for (const FieldReport& field : FillAllFields(live, boxes()))
+            by.try_emplace(field.name, field.label_from + ": " + field.label + " -> " + field.pattern);
+        const auto results =
+            compare(form, before, states_of(live.document()->forms.at(form.number - 1)), by, profile);
+        for (const FieldResult& field : results) {
+            const bool right = field.table == Outcome::as_wanted || field.table == Outcome::left;
+            EXPECT_TRUE(right) << page.name << ": " << field.field << " (" << field.label << ") holds \""
+                               << field.after << "\", not " << field.ruled << "; " << field.by;
+        }
+    }
 }
 
 } // namespace
