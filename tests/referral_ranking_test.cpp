@@ -105,6 +105,19 @@ TYPED_TEST(ReferralRankingTest, EverySiteGetsItsHitsAndOneWithoutARowGetsZero) {
     EXPECT_EQ(summary.with_hits, 2);
 }
 
+TYPED_TEST(ReferralRankingTest, AddressWithoutARowMovesItsSiteToTheEndOfThePlaybackOrderAmongEquals) {
+    this->create({{"http://b.example/", 1}, {"http://c.example/", 2}});
+    this->create_sites({"http://a.example/", "http://b.example/", "http://c.example/"});
+    this->recompute();
+    std::vector<std::int64_t> order;
+    const auto queue = this->libraries.database.open(
+        this->libraries.path(lib), "select * from tblSubmitList where status = 'N' and PAD = 'PAD' order by "
+                                   "referral desc, linkfound desc, softtype, description");
+    for (; !queue->at_end(); queue->move_next())
+        order.push_back(queue->number("padkey").value());
+    EXPECT_EQ(order, (std::vector<std::int64_t>{3, 2, 1}));
+}
+
 TYPED_TEST(ReferralRankingTest, AddressIsLowerCasedAndTrimmedOfBlanksBeforeTheLookUp) {
     this->create({{"http://\xc3\xa9.example/path/", 5}, {"\thttp://b.example/", 6}});
     this->create_sites({"  HTTP://\xc3\x89.Example/Path/  ", "\thttp://b.example/"});

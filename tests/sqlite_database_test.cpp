@@ -39,6 +39,15 @@ protected:
         for (const std::string& statement : statements)
             raw.run(statement.c_str());
     }
+    // By this process.
+    [[nodiscard]] bool is_open(const std::string& name) const {
+        for (const auto& descriptor : std::filesystem::directory_iterator("/proc/self/fd")) {
+            std::error_code gone;
+            if (std::filesystem::read_symlink(descriptor, gone) == libraries.path(name))
+                return true;
+        }
+        return false;
+    }
     // A write fails and leaves the file as it is, alone in its folder.
     void expect_write_refused() {
         const std::string before = bytes_of(libraries.path(lib));
@@ -208,6 +217,59 @@ TEST_F(SqliteDatabaseTest, OpenRecordsetThatChangesNothingDoesNotKeepAnotherProg
     ASSERT_TRUE(rows->at_end());
     const Guard other = libraries.lock(lib);
     EXPECT_NE(other, nullptr);
+}
+
+// A walk that changes rows keeps the file that it asks about each of them open; nothing may show of that.
+TEST_F(SqliteDatabaseTest, FileAskedDuringAWalkIsReadAsItStandsAtEachOpening) {
+    libraries.create(lib, {site(1, "1"), site(2, "2"), site(3, "3"), site(4, "4"), site(5, "5")});
+    libraries.create_referrals("referral2.mdb", {{"http://a", 1}});
+    libraries.create_referrals("another.mdb", {{"http://a", 3}});
+    const auto hits = [this] {
+        return libraries.database
+            .open(libraries.path("referral2.mdb"),
+                  "select * from referral2 where url = 'http://a' or url = ''")
+            ->number("hitcount");
+    };
+    const auto walk = libraries.database.open(libraries.path(lib), all);
+    const auto change_one = [&walk] {
+        walk->set("note", std::string("changed"));
+        walk->update();
+        walk->move_next();
+    };
+    change_one();
+    EXPECT_EQ(hits(), 1);
+    EXPECT_EQ(hits(), 1);
+    {
+        SqliteConnection other = SqliteConnection::open_existing(libraries.path("referral2.mdb"));
+        other.run("UPDATE referral2 SET hitcount = 2");
+    }
+    change_one();
+    EXPECT_EQ(hits(), 2);
+    {
+        SqliteConnection other = SqliteConnection::open_existing(libraries.path("referral2.mdb"));
+        other.run("ALTER TABLE referral2 RENAME COLUMN hitcount TO visits");
+    }
+    EXPECT_THROW((void)hits(), DatabaseError);
+    std::filesystem::rename(libraries.path("another.mdb"), libraries.path("referral2.mdb"));
+    change_one();
+    EXPECT_EQ(hits(), 3);
+    std::filesystem::remove(libraries.path("referral2.mdb"));
+    EXPECT_THROW((void)hits(), DatabaseError);
+}
+
+TEST_F(SqliteDatabaseTest, FileAskedDuringAWalkIsLetGoAtItsEnd) {
+    libraries.create(lib, {site(1, "1"), site(2, "2")});
+    libraries.create_referrals("referral2.mdb", {{"http://a", 1}});
+    {
+        const auto walk = libraries.database.open(libraries.path(lib), all);
+        walk->set("note", std::string("changed"));
+        walk->update();
+        (void)libraries.database.open(libraries.path("referral2.mdb"),
+                                      "select * from referral2 where url = 'http://a' or url = ''");
+        EXPECT_TRUE(is_open("referral2.mdb"));
+    }
+    EXPECT_FALSE(is_open("referral2.mdb"));
+    EXPECT_FALSE(is_open(lib));
 }
 
 TEST_F(SqliteDatabaseTest, WalkOnAFullDiskKeepsTheRowsThatStillFitted) {

@@ -1,9 +1,11 @@
 #include "child_process.h"
 #include "libraries.h"
+#include "library/referral_ranking.h"
 #include "library/site_library.h"
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <optional>
 #include <string>
 #include <vector>
@@ -64,6 +66,30 @@ TEST_F(TwoPrograms, EachWriteChangesTheAddressedRowAndNoOther) {
         expected.note = (own ? "own" : "other") + std::to_string(last);
         EXPECT_EQ(row, expected);
     }
+}
+
+// The pauses that a ranking makes are short; on a machine that is too busy to notice one of them a mark may
+// still be lost, hence not every single one is asked for.
+TEST_F(TwoPrograms, MarksAreStoredWhileTheOtherProgramRanks) {
+    std::vector<SiteRow> rows;
+    for (int key = 1; key <= 3000; ++key)
+        rows.push_back(site(key, "Site"));
+    libraries.create("ranked.mdb", rows);
+    std::filesystem::rename(libraries.path("ranked.mdb"), libraries.path(lib));
+    libraries.create_referrals(std::string(referral_database_name), {{"http://site1.example", 5}});
+    constexpr int marks = 60;
+    int stored = 0;
+    ChildProcess other{[this] {
+        const ReferralRanking ranking{libraries.database, libraries.files, libraries.folder};
+        while (ranking.RecomputeReferralRanks({}).rewritten > 0) {
+        }
+    }};
+    for (int key = 1; key <= marks; ++key) {
+        library.UpdateSubmitStatus(lib, address(key), "Y", "marked");
+        stored += stored_note(key) == "marked" ? 1 : 0;
+    }
+    other.kill_after({});
+    EXPECT_GE(stored, marks * 9 / 10);
 }
 
 TEST_F(TwoPrograms, LaterWriteOfARowWins) {

@@ -18,9 +18,10 @@ public:
     void copy(const std::string& from, const std::string& to) override;
 
 private:
+    [[nodiscard]] std::shared_ptr<OpenFile> open_file(const std::string& path) const;
     void store_held_back(std::string_view file);
 
-    std::shared_ptr<HeldBack> held_back_ = std::make_shared<HeldBack>();
+    std::shared_ptr<Walks> walks_ = std::make_shared<Walks>();
 };
 
 } // namespace kestrune

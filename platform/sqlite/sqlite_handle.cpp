@@ -2,12 +2,23 @@
 
 #include <algorithm>
 #include <array>
+#include <chrono>
+#include <thread>
 
 namespace kestrune {
 namespace {
 
-// Long enough for another program's single write, short enough not to be felt as a hang.
-constexpr int busy_timeout_ms = 250;
+// Long enough for another program's single write, short enough not to be felt as a hang. Looking again often
+// finds the short pauses of a program that writes row after row (sqlite_recordset.cpp).
+constexpr int most_looks_again = 250;
+constexpr std::chrono::milliseconds between_looks{1};
+
+int look_again(void* /*context*/, int looks) {
+    if (looks >= most_looks_again)
+        return 0;
+    std::this_thread::sleep_for(between_looks);
+    return 1;
+}
 
 constexpr std::array<unsigned char, 16> magic{'S', 'Q', 'L', 'i', 't', 'e', ' ', 'f',
                                               'o', 'r', 'm', 'a', 't', ' ', '3', '\0'};
@@ -21,7 +32,7 @@ SqliteConnection::SqliteConnection(const std::string& path, int flags) {
     handle_.reset(handle);
     if (result != SQLITE_OK)
         fail("cannot open " + path);
-    sqlite3_busy_timeout(handle, busy_timeout_ms);
+    sqlite3_busy_handler(handle, look_again, nullptr);
 }
 
 SqliteConnection SqliteConnection::open_existing(const std::string& path) {

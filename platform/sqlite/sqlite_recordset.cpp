@@ -5,11 +5,16 @@
 
 #include <algorithm>
 #include <exception>
+#include <thread>
 
 namespace kestrune {
 namespace {
 
-constexpr std::size_t group_size = 500;
+constexpr std::chrono::milliseconds shortest_group{100};
+// Longer than the pauses of a program that waits for the file (sqlite_handle.cpp).
+constexpr std::chrono::milliseconds between_groups{3};
+// In KiB. Pages of a group that do not fit are written again and again, so there is room for a million sites.
+const char* const room_for_a_group = "PRAGMA cache_size = -524288";
 
 // Column names stand in statements without quotes, because SQLite takes a quoted name that it does not find
 // for a text. So only names that need none are written to.
@@ -21,17 +26,21 @@ bool plain_name(std::string_view name) {
 
 } // namespace
 
-SqliteRecordset::SqliteRecordset(SqliteConnection connection, const Statement& statement,
-                                 std::shared_ptr<HeldBack> held_back)
-    : connection_(std::move(connection)), held_back_(std::move(held_back)) {
+SqliteRecordset::SqliteRecordset(std::shared_ptr<OpenFile> file, const Statement& statement,
+                                 std::shared_ptr<Walks> walks)
+    : file_(std::move(file)), walks_(std::move(walks)) {
     const SiteSql sql = site_sql(statement);
     table_ = sql.table;
     if (!sql.indexed.empty())
-        select_ = SqliteQuery::if_possible(connection_, sql.indexed);
-    if (!select_)
-        select_ = SqliteQuery{connection_, sql.plain};
+        select_ = SqliteQuery::if_possible(connection(), sql.indexed);
+    if (!select_) {
+        select_ = file_->take(sql.plain);
+        select_sql_ = sql.plain;
+    }
     for (std::size_t i = 0; i < sql.values.size(); ++i)
         select_.bind(static_cast<int>(i) + 1, sql.values[i]);
+    // Only now it is certain which columns there are: a statement from before may have to be prepared anew.
+    select_has_row_ = select_.step();
     first_column_ = table_ == nullptr ? 0 : 1;
     for (int i = first_column_; i < select_.columns(); ++i)
         columns_.push_back(select_.name(i));
@@ -40,19 +49,22 @@ SqliteRecordset::SqliteRecordset(SqliteConnection connection, const Statement& s
             return same_column(name, "_rowid_");
         }))
         throw DatabaseError("the rows of this table cannot be told apart");
-    select_has_row_ = select_.step();
 }
 
 SqliteRecordset::~SqliteRecordset() {
     try {
         store_held_back();
+        if (walking() && !select_sql_.empty())
+            file_->give_back(std::move(select_sql_), std::move(select_));
     } catch (const std::exception& error) {
         diagnostics::report("changes at the end of a walk were not stored", error.what());
     }
-    std::erase(*held_back_, this);
+    std::erase(walks_->held_back, this);
+    if (changed_before_ && --walks_->changing == 0)
+        walks_->ready.reset();
 }
 
-std::string_view SqliteRecordset::file() const { return connection_.file(); }
+std::string_view SqliteRecordset::file() const { return file_->connection().file(); }
 
 bool SqliteRecordset::at_end() const { return walking() ? !select_has_row_ : position_ >= row_ids_.size(); }
 
@@ -160,7 +172,7 @@ void SqliteRecordset::note_remaining_rows() {
 // False when the row is there no more.
 bool SqliteRecordset::load_row() {
     if (!row_)
-        row_ = SqliteQuery{connection_, std::string("SELECT * FROM ") + table_ + " WHERE _rowid_ = ?1"};
+        row_ = SqliteQuery{connection(), std::string("SELECT * FROM ") + table_ + " WHERE _rowid_ = ?1"};
     row_.bind(1, row_ids_[position_]);
     const bool found = row_.step();
     for (std::size_t i = 0; found && i < values_.size(); ++i)
@@ -170,20 +182,22 @@ bool SqliteRecordset::load_row() {
 }
 
 void SqliteRecordset::change(Change change) {
-    if (changed_before_ && !connection_.in_transaction())
+    if (changed_before_ && !connection().in_transaction())
         begin_group();
     carry_out(change);
-    if (changed_before_) {
-        group_.push_back(std::move(change));
-        if (group_.size() >= group_size)
-            store_held_back();
+    if (!changed_before_) {
+        changed_before_ = true;
+        ++walks_->changing;
+        return;
     }
-    changed_before_ = true;
+    group_.push_back(std::move(change));
+    if (group_is_due())
+        store_held_back();
 }
 
 void SqliteRecordset::carry_out(const Change& change) {
     if (change.sql != change_sql_) {
-        change_query_ = SqliteQuery{connection_, change.sql};
+        change_query_ = SqliteQuery{connection(), change.sql};
         change_sql_ = change.sql;
     }
     for (std::size_t i = 0; i < change.values.size(); ++i)
@@ -193,37 +207,73 @@ void SqliteRecordset::carry_out(const Change& change) {
     } catch (const DatabaseError&) {
         change_query_.reset();
         // Some failures undo the whole transaction.
-        if (!group_.empty() && !connection_.in_transaction())
-            one_by_one();
+        if (!group_.empty() && !connection().in_transaction())
+            in_pieces();
         throw;
     }
     change_query_.reset();
-    if (sqlite3_changes(connection_.get()) != 1)
+    if (sqlite3_changes(connection().get()) != 1)
         throw DatabaseError("the row is there no more");
 }
 
 void SqliteRecordset::begin_group() {
-    connection_.run("BEGIN IMMEDIATE");
-    held_back_->push_back(this);
+    if (storing_ == Clock::duration{})
+        connection().run(room_for_a_group);
+    std::this_thread::sleep_until(stored_ + between_groups);
+    connection().run("BEGIN IMMEDIATE");
+    walks_->held_back.push_back(this);
+    group_began_ = Clock::now();
+}
+
+bool SqliteRecordset::group_is_due() const {
+    return Clock::now() - group_began_ >= std::max<Clock::duration>(shortest_group, 8 * storing_);
 }
 
 void SqliteRecordset::store_held_back() {
-    if (!connection_.in_transaction())
+    if (!connection().in_transaction())
         return;
-    if (sqlite3_exec(connection_.get(), "COMMIT", nullptr, nullptr, nullptr) != SQLITE_OK) {
-        if (connection_.in_transaction())
-            connection_.run("ROLLBACK");
-        one_by_one();
+    const auto began = Clock::now();
+    if (sqlite3_exec(connection().get(), "COMMIT", nullptr, nullptr, nullptr) != SQLITE_OK) {
+        if (connection().in_transaction())
+            connection().run("ROLLBACK");
+        in_pieces();
     }
+    stored_ = Clock::now();
+    storing_ = stored_ - began;
     group_.clear();
-    std::erase(*held_back_, this);
+    std::erase(walks_->held_back, this);
 }
 
-// What is stored this way stays stored; the first that cannot be ends it.
-void SqliteRecordset::one_by_one() {
-    std::erase(*held_back_, this);
-    for (const Change& change : std::exchange(group_, {}))
-        carry_out(change);
+// Half of them may still fit on a disk that is too full for all. What is stored stays stored; the first
+// change that cannot be stored by itself ends it.
+void SqliteRecordset::in_pieces() {
+    std::erase(walks_->held_back, this);
+    const std::vector<Change> changes = std::exchange(group_, {});
+    std::span<const Change> left = changes;
+    for (std::size_t piece = changes.size(); !left.empty();) {
+        piece = std::min(piece, left.size());
+        if (piece == 1)
+            carry_out(left.front());
+        else if (!store_together(left.first(piece))) {
+            piece /= 2;
+            continue;
+        }
+        left = left.subspan(piece);
+    }
+}
+
+bool SqliteRecordset::store_together(std::span<const Change> changes) {
+    try {
+        connection().run("BEGIN IMMEDIATE");
+        for (const Change& change : changes)
+            carry_out(change);
+        connection().run("COMMIT");
+        return true;
+    } catch (const DatabaseError&) {
+        if (connection().in_transaction())
+            connection().run("ROLLBACK");
+        return false;
+    }
 }
 
 } // namespace kestrune

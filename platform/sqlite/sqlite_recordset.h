@@ -1,12 +1,15 @@
 #pragma once
 
 #include "platform/database.h"
+#include "platform/sqlite/open_file.h"
 #include "platform/sqlite/site_sql.h"
 #include "platform/sqlite/sqlite_handle.h"
 
+#include <chrono>
 #include <cstddef>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -16,9 +19,18 @@ namespace kestrune {
 
 class SqliteRecordset;
 
-// The recordsets that hold back changes in an open transaction. Another operation of the same program on the
-// same file would wait for them in vain, so it has them stored first.
-using HeldBack = std::vector<SqliteRecordset*>;
+// What the recordsets of one program have to know of each other.
+struct Walks {
+    // Those that hold back changes in an open transaction. Another operation of the same program on the same
+    // file would wait for them in vain, so it has them stored first.
+    std::vector<SqliteRecordset*> held_back;
+    // How many have changed rows and are not gone yet.
+    int changing = 0;
+    // The file that was last opened beside one of those, and by which path: a walk that asks another file
+    // about each of its rows does not pay for opening it each time. Gone with the last of them.
+    std::shared_ptr<OpenFile> ready;
+    std::string ready_path;
+};
 
 // The rows of one select over a connection of its own.
 //
@@ -28,12 +40,13 @@ using HeldBack = std::vector<SqliteRecordset*>;
 // passed over.
 //
 // The first change is stored at once, those after it in groups, so that a long walk does not flush the disk
-// for every row. A group is stored when it is full, when the walk ends or is given up, and before another
-// operation on the file.
+// for every row. A group is stored when it has lasted for a tenth of a second, or twice as long as storing
+// the one before it took; when the walk ends or is given up; and before another operation on the file.
+// Between two groups other programs get the time to write. So neither they nor the walk wait for long, on any
+// disk and with any number of rows.
 class SqliteRecordset final : public Recordset {
 public:
-    SqliteRecordset(SqliteConnection connection, const Statement& statement,
-                    std::shared_ptr<HeldBack> held_back);
+    SqliteRecordset(std::shared_ptr<OpenFile> file, const Statement& statement, std::shared_ptr<Walks> walks);
     ~SqliteRecordset() override;
     SqliteRecordset(const SqliteRecordset&) = delete;
     SqliteRecordset& operator=(const SqliteRecordset&) = delete;
@@ -55,6 +68,7 @@ public:
     void store_held_back();
 
 private:
+    using Clock = std::chrono::steady_clock;
     struct Change {
         std::string sql;
         std::vector<DatabaseValue> values;
@@ -69,15 +83,19 @@ private:
     void change(Change change);
     void carry_out(const Change& change);
     void begin_group();
-    void one_by_one();
+    [[nodiscard]] bool group_is_due() const;
+    void in_pieces();
+    bool store_together(std::span<const Change> changes);
+    [[nodiscard]] SqliteConnection& connection() { return file_->connection(); }
 
-    SqliteConnection connection_;
-    std::shared_ptr<HeldBack> held_back_;
+    std::shared_ptr<OpenFile> file_;
+    std::shared_ptr<Walks> walks_;
     const char* table_ = nullptr;
     int first_column_ = 0;
     std::vector<std::string> columns_;
 
-    SqliteQuery select_; // nothing once the remaining rows are noted
+    SqliteQuery select_;     // nothing once the remaining rows are noted
+    std::string select_sql_; // empty when it is of no use to the next
     bool select_has_row_ = false;
 
     std::vector<std::int64_t> row_ids_;
@@ -89,6 +107,9 @@ private:
     std::vector<std::pair<std::size_t, DatabaseValue>> pending_;
     bool changed_before_ = false;
     std::vector<Change> group_;
+    Clock::time_point group_began_;
+    Clock::time_point stored_; // the group before it
+    Clock::duration storing_{};
     std::string change_sql_;
     SqliteQuery change_query_;
 };
