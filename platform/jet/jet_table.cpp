@@ -22,6 +22,11 @@ constexpr std::uint32_t long_value_inline = 0x80000000;
 constexpr std::uint32_t long_value_single_page = 0x40000000;
 constexpr std::uint32_t long_value_length = 0x3fffffff;
 
+// How a page of long values begins: a data page, then what is free on it, then who owns it.
+constexpr char data_page = 1;
+constexpr std::size_t owner_at = 4;
+constexpr std::string_view long_value_owner{"LVAL"};
+
 ColumnType type_of(const MdbColumn& column) {
     switch (column.col_type) {
     case MDB_BOOL:
@@ -196,8 +201,12 @@ private:
         if ((head & long_value_inline) != 0)
             return std::string{stored.substr(MDB_MEMO_OVERHEAD, length)};
         auto place = number_in<std::uint32_t>(stored.substr(4));
-        if ((head & long_value_single_page) != 0)
-            return std::string{piece(place).substr(0, length)};
+        if ((head & long_value_single_page) != 0) {
+            const std::string_view whole = piece(place);
+            if (whole.size() < length)
+                throw JetError("a long value is cut short");
+            return std::string{whole.substr(0, length)};
+        }
         std::string all;
         while (place != 0 && all.size() < length) {
             const std::string_view part = piece(place);
@@ -219,6 +228,10 @@ private:
         std::size_t size = 0;
         if (::mdb_find_pg_row(file_.get(), static_cast<int>(place), &page, &offset, &size) != 0)
             throw JetError("a long value is not where its row says");
+        // libmdb takes any page for one of long values, an empty one included.
+        const std::string_view head{static_cast<const char*>(page), owner_at + long_value_owner.size()};
+        if (head.front() != data_page || !head.ends_with(long_value_owner))
+            throw JetError("a page of long values is none");
         return {static_cast<const char*>(page) + offset, size};
     }
 
