@@ -9,9 +9,11 @@
 #include "platform/sqlite/sqlite_database.h"
 #include "platform/sqlite/table_file.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <system_error>
 #include <utility>
+#include <vector>
 
 namespace kestrune {
 namespace {
@@ -32,13 +34,18 @@ std::vector<JetFile> seeded_files(const ProgramFolders& folders) {
 
 } // namespace
 
-LibraryStart::LibraryStart(ProgramFolders folders)
-    : folders_(std::move(folders)), conversions_(seeded_files(folders_), create_table_file) {}
+LibraryStart::LibraryStart(ProgramFolders folders) : LibraryStart(std::move(folders), create_table_file) {}
 
-void LibraryStart::finish(const std::function<void(JetProgress)>& progress) {
-    conversions_.finish(progress);
+LibraryStart::LibraryStart(ProgramFolders folders, const CreateTable& create)
+    : folders_(std::move(folders)), conversions_(seeded_files(folders_), create) {}
+
+bool LibraryStart::finish(const std::function<bool(JetProgress)>& progress) {
+    const std::vector<JetOutcome> outcomes = conversions_.finish(progress);
+    if (std::find(outcomes.begin(), outcomes.end(), JetOutcome::GivenUp) != outcomes.end())
+        return false;
     if (!folders_.shared_library.empty())
         add_new_sites();
+    return true;
 }
 
 void LibraryStart::add_new_sites() {

@@ -10,13 +10,51 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
+#include <cstdint>
 #include <cstdlib>
 #include <filesystem>
+#include <numeric>
+#include <utility>
 
 namespace kestrune {
 namespace {
 
 namespace fs = std::filesystem;
+
+// As Access scrambles the pages after the first: RC4 by a key that is told, scrambled, on the first page and
+// mixed with the number of each page.
+std::string encoded(std::string bytes, std::uint32_t key) {
+    constexpr std::size_t page_size = 4096;
+    constexpr std::size_t key_at = 0x3e;
+    const auto little_endian = [](std::uint32_t number) {
+        return std::string{static_cast<char>(number), static_cast<char>(number >> 8U),
+                           static_cast<char>(number >> 16U), static_cast<char>(number >> 24U)};
+    };
+    const auto rc4 = [](const std::string& rc4_key, std::string& text, std::size_t from, std::size_t size) {
+        std::array<unsigned char, 256> state{};
+        std::iota(state.begin(), state.end(), static_cast<unsigned char>(0));
+        unsigned char j = 0;
+        for (std::size_t i = 0; i < state.size(); ++i) {
+            j = static_cast<unsigned char>(j + state[i] + static_cast<unsigned char>(rc4_key[i % 4]));
+            std::swap(state[i], state[j]);
+        }
+        unsigned char i = 0;
+        j = 0;
+        for (std::size_t at = from; at < from + size; ++at) {
+            j = static_cast<unsigned char>(j + state[++i]);
+            std::swap(state[i], state[j]);
+            text[at] = static_cast<char>(static_cast<unsigned char>(text[at]) ^
+                                         state[static_cast<unsigned char>(state[i] + state[j])]);
+        }
+    };
+    for (std::uint32_t page = 1; page * page_size < bytes.size(); ++page)
+        rc4(little_endian(key ^ page), bytes, page * page_size, page_size);
+    const std::string told = little_endian(key);
+    for (std::size_t i = 0; i < told.size(); ++i)
+        bytes[key_at + i] = static_cast<char>(bytes[key_at + i] ^ told[i]);
+    return bytes;
+}
 
 class JetConversion : public testing::Test {
 protected:
@@ -180,11 +218,44 @@ TEST_F(JetConversion, FileWithAPasswordIsLeftAlone) {
 }
 
 TEST_F(JetConversion, EncryptedFileIsLeftAlone) {
-    std::string bytes = bytes_of(jet_sample("sites-2000.mdb"));
-    bytes[0x3e] ^= 0x55;
+    const std::string bytes = encoded(bytes_of(jet_sample("sites-2000.mdb")), 0x5eed1234);
+    EXPECT_EQ(bytes.find("tblSubmitList"), std::string::npos);
     write_bytes(folder.file("SubmitList.mdb"), bytes);
     EXPECT_EQ(convert()[0], JetOutcome::Encrypted);
     EXPECT_EQ(bytes_of(folder.file("SubmitList.mdb")), bytes);
+    EXPECT_EQ(folder.entries(), 1U);
+}
+
+// The file says that it is not scrambled, and is.
+TEST_F(JetConversion, EncryptedFileThatHidesItsKeyIsLeftAlone) {
+    const std::string whole = bytes_of(jet_sample("sites-2000.mdb"));
+    const std::string bytes = whole.substr(0, 4096) + encoded(whole, 0x5eed1234).substr(4096);
+    write_bytes(folder.file("SubmitList.mdb"), bytes);
+    EXPECT_EQ(convert()[0], JetOutcome::Damaged);
+    EXPECT_EQ(bytes_of(folder.file("SubmitList.mdb")), bytes);
+    EXPECT_EQ(folder.entries(), 1U);
+}
+
+// One page at a time is lost, as a bad sector loses it: the file is converted whole or left alone.
+TEST_F(JetConversion, FileWithAPageOfZerosIsConvertedWholeOrLeftAlone) {
+    const std::string whole = bytes_of(jet_sample("sites-2003.mdb"));
+    int left_alone = 0;
+    for (std::size_t page = 1; page < whole.size() / 4096; ++page) {
+        std::string damaged = whole;
+        damaged.replace(page * 4096, 4096, 4096, '\0');
+        const std::string path = folder.file("SubmitList.mdb");
+        write_bytes(path, damaged);
+        if (convert()[0] == JetOutcome::Converted) {
+            expect_contents(path, "tblSubmitList", "sites-2003.tsv");
+            EXPECT_EQ(bytes_of(kept_original_name(path, 1)), damaged);
+            fs::remove(kept_original_name(path, 1));
+        } else {
+            ++left_alone;
+            EXPECT_EQ(bytes_of(path), damaged);
+        }
+        EXPECT_EQ(folder.entries(), 1U) << "page " << page;
+    }
+    EXPECT_GT(left_alone, 0);
 }
 
 TEST_F(JetConversion, FileWithoutTheTableIsLeftAlone) {

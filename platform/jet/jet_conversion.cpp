@@ -137,6 +137,8 @@ const char* describe(JetOutcome outcome) {
         return "without the table that is wanted";
     case JetOutcome::Damaged:
         return "damaged";
+    case JetOutcome::GivenUp:
+        return "given up";
     case JetOutcome::NotWritten:
         break;
     }

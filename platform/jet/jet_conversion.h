@@ -22,6 +22,7 @@ enum class JetOutcome : std::uint8_t {
     NoTable,
     Damaged, // not every row that the file says it has could be read
     NotWritten,
+    GivenUp, // by whoever waited for it
 };
 
 // What to tell a developer or the user of a tool, "converted" for instance.
@@ -64,8 +65,8 @@ public:
 
     [[nodiscard]] bool running() const;
     // Waits until everything is done. progress is called about ten times a second, with the rows of all
-    // files. One outcome for each file, in order.
-    std::vector<JetOutcome> finish(const std::function<void(JetProgress)>& progress = {});
+    // files; when it returns false, what is not done yet is given up. One outcome for each file, in order.
+    std::vector<JetOutcome> finish(const std::function<bool(JetProgress)>& progress = {});
 
 private:
     class Child;

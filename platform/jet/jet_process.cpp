@@ -74,12 +74,7 @@ public:
         if (process_ > 0)
             outcome_.reset();
     }
-    ~Child() {
-        if (running()) {
-            ::kill(process_, SIGKILL);
-            end();
-        }
-    }
+    ~Child() { give_up(); }
     Child(const Child&) = delete;
     Child& operator=(const Child&) = delete;
     Child(Child&&) = delete;
@@ -100,6 +95,15 @@ public:
         } else if (got == 0 || errno != EINTR) {
             end();
         }
+    }
+    void give_up() {
+        if (!running())
+            return;
+        ::kill(process_, SIGKILL);
+        end();
+        // It may just have done its work before it was ended.
+        if (outcome_ == JetOutcome::Damaged && is_jet_file(path_))
+            outcome_ = JetOutcome::GivenUp;
     }
     void check_silence() {
         if (running() && Clock::now() - heard_ > longest_silence)
@@ -146,7 +150,7 @@ bool JetConversions::running() const {
     return false;
 }
 
-std::vector<JetOutcome> JetConversions::finish(const std::function<void(JetProgress)>& progress) {
+std::vector<JetOutcome> JetConversions::finish(const std::function<bool(JetProgress)>& progress) {
     auto told = Clock::now();
     while (running()) {
         std::vector<pollfd> waiting;
@@ -164,7 +168,9 @@ std::vector<JetOutcome> JetConversions::finish(const std::function<void(JetProgr
         }
         if (progress && Clock::now() - told >= between_progress) {
             told = Clock::now();
-            progress(sum);
+            if (!progress(sum))
+                for (const auto& child : children_)
+                    child->give_up();
         }
     }
     std::vector<JetOutcome> outcomes;

@@ -144,8 +144,10 @@ private:
     ToolExit convert() {
         const std::vector<JetFile> files = jet_files_in(folder_);
         JetConversions conversions{files, create_table_file};
-        const auto outcomes =
-            conversions.finish([this](JetProgress done) { progress(done.done, done.total); });
+        const auto outcomes = conversions.finish([this](JetProgress rows) {
+            progress(rows.done, rows.total);
+            return !here_.cancelled || !here_.cancelled();
+        });
         end_progress();
         ToolExit exit = ToolExit::Done;
         for (std::size_t i = 0; i < files.size(); ++i) {
