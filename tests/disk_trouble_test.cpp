@@ -1,8 +1,12 @@
+#include "jet_samples.h"
 #include "libraries.h"
 #include "library/library_backup.h"
 #include "library/referral_ranking.h"
 #include "library/site_library.h"
 #include "library/submit_status.h"
+#include "platform/jet/jet_conversion.h"
+#include "platform/sqlite/table_file.h"
+#include "small_disk.h"
 
 #include <gtest/gtest.h>
 
@@ -23,7 +27,9 @@ const std::string lib{site_library_name};
 // library is whole and as it was.
 class DiskTrouble : public testing::Test {
 protected:
-    DiskTrouble() {
+    DiskTrouble() { create(); }
+
+    void create() {
         libraries.create(lib, {site(1, "One"), site(2, "Two"), site(3, "Three")});
         libraries.create_referrals(std::string(referral_database_name), {{"http://site1.example", 5}});
         before = libraries.sites(lib);
@@ -74,6 +80,39 @@ TEST_F(DiskTrouble, FullDiskEndsEveryOperationAndLeavesTheLibraryWhole) {
         }
         expect_as_it_was(operation.name);
     }
+}
+
+TEST_F(DiskTrouble, DiskWithNoByteLeftEndsEveryOperationAndLeavesTheLibraryWhole) {
+    const SmallDisk tried = on_small_disk(libraries.folder, "256k", [this] {
+        create();
+        fill_disk(libraries.folder);
+        for (const Operation& operation : operations()) {
+            operation.run();
+            expect_as_it_was(operation.name);
+        }
+        fs::remove(libraries.path("filler"));
+        EXPECT_TRUE(library.UpdateSubmitStatus(lib, "http://site1.example/", "Y", "there is room again"));
+        EXPECT_EQ(libraries.sites(lib)[0].note, "there is room again");
+    });
+    if (tried == SmallDisk::NotToBeHad)
+        GTEST_SKIP() << "no small file system can be mounted here: not run";
+    EXPECT_EQ(tried, SmallDisk::Done);
+}
+
+TEST_F(DiskTrouble, DiskThatFillsUpDuringAConversionLeavesTheOriginal) {
+    KESTRUNE_NEED_JET_SAMPLES();
+    const std::string original = bytes_of(jet_sample("sites-2003.mdb"));
+    const SmallDisk tried = on_small_disk(libraries.folder, "300k", [&] {
+        write_bytes(libraries.path(lib), original);
+        const auto outcomes = JetConversions{jet_files_in(libraries.folder), create_table_file}.finish();
+        EXPECT_EQ(outcomes[0], JetOutcome::NotWritten);
+        EXPECT_EQ(bytes_of(libraries.path(lib)), original);
+        const fs::directory_iterator left{libraries.folder};
+        EXPECT_EQ(std::distance(begin(left), end(left)), 1) << "something is left over";
+    });
+    if (tried == SmallDisk::NotToBeHad)
+        GTEST_SKIP() << "no small file system can be mounted here: not run";
+    EXPECT_EQ(tried, SmallDisk::Done);
 }
 
 TEST_F(DiskTrouble, ReadOnlyFolderEndsEveryOperationAndLeavesTheLibraryWhole) {
