@@ -38,9 +38,7 @@ protected:
     [[nodiscard]] fs::path folder() const { return folder_.path(); }
     // The first thing that a window does with its folder once its controls are there.
     [[nodiscard]] bool has_started() {
-        return wait_until([this] {
-            return fs::is_directory(folder() / "session") || process_.state() == QProcess::NotRunning;
-        });
+        return wait_until([this] { return fs::is_directory(folder() / "session") || has_ended(); });
     }
     // The process that converts, a child of the program's; 0 while there is none.
     [[nodiscard]] pid_t converting_process() const {
@@ -53,6 +51,7 @@ protected:
         process_.kill();
         process_.waitForFinished();
     }
+    [[nodiscard]] bool has_ended() const { return process_.state() == QProcess::NotRunning; }
     [[nodiscard]] bool is_running() const { return process_.state() == QProcess::Running; }
     [[nodiscard]] std::string output() { return process_.readAll().toStdString(); }
 
@@ -89,7 +88,7 @@ protected:
         held_ = ::open(library().c_str(), O_RDONLY | O_CLOEXEC);
         ASSERT_EQ(::flock(held_, LOCK_EX), 0);
         start();
-        ASSERT_TRUE(wait_until([this] { return converting_process() != 0 || !is_running(); }));
+        ASSERT_TRUE(wait_until([this] { return converting_process() != 0 || has_ended(); }));
     }
     void TearDown() override { let_go(); }
     void let_go() {
