@@ -168,7 +168,7 @@ TEST_F(LibraryTool, DryRunReportsTheSameAndStoresNothing) {
               ToolExit::Done);
     EXPECT_EQ(bytes_of(libraries.path(lib)), bytes);
     EXPECT_FALSE(has_backup());
-    EXPECT_THAT(out.str(), HasSubstr("1 sites would be added, 1 would be updated"));
+    EXPECT_THAT(out.str(), HasSubstr("1 site would be added, 1 would be updated"));
 }
 
 TEST_F(LibraryTool, LinesThatHoldNoSiteAreRefusedWithTheirNumberAndTheRestIsTaken) {
@@ -374,6 +374,13 @@ TEST_F(LibraryTool, RankThatFailsNamesTheSite) {
     EXPECT_THAT(err.str(), HasSubstr("http://it's.example/"));
 }
 
+TEST_F(LibraryTool, RankWithoutHitsSaysWhatIsMissingAndCostsNoBackup) {
+    libraries.create(lib, {site(1, "One")});
+    EXPECT_EQ(run({"rank"}), ToolExit::NotDone);
+    EXPECT_THAT(err.str(), HasSubstr("there is no database of hits: " + libraries.path("referral2.mdb")));
+    EXPECT_FALSE(has_backup());
+}
+
 TEST_F(LibraryTool, MergeAddsNewSitesAndTouchesNoRowOfTheUsers) {
     SiteRow own = site(1, "My own name");
     own.status = "Y";
@@ -409,7 +416,9 @@ TEST_F(LibraryTool, MergeOfAFileThatIsNoLibraryChangesNothing) {
     libraries.create(lib, {site(1, "One")});
     EXPECT_EQ(run({"merge", file("no.mdb", "no library")}), ToolExit::NotDone);
     EXPECT_EQ(run({"merge", libraries.path("absent.mdb")}), ToolExit::NotDone);
+    EXPECT_THAT(err.str(), HasSubstr("there is no file: " + libraries.path("absent.mdb")));
     EXPECT_EQ(sites().size(), 1U);
+    EXPECT_FALSE(has_backup()) << "it would have replaced a copy that may be wanted";
 }
 
 TEST_F(LibraryTool, AccessLibraryIsNamedAsSuchAndConverted) {
@@ -420,6 +429,16 @@ TEST_F(LibraryTool, AccessLibraryIsNamedAsSuchAndConverted) {
     EXPECT_EQ(run({"convert"}), ToolExit::Done);
     EXPECT_THAT(out.str(), HasSubstr("SubmitList.mdb: converted"));
     EXPECT_EQ(sites().size(), jet_contents("sites-2000.tsv").rows.size());
+}
+
+TEST_F(LibraryTool, FileThatCannotBeConvertedIsLeftAsItIsAndSaidToBe) {
+    KESTRUNE_NEED_JET_SAMPLES();
+    const std::string broken = bytes_of(jet_sample("broken.mdb"));
+    file(lib, broken);
+    EXPECT_EQ(run({"convert"}), ToolExit::NotDone);
+    EXPECT_THAT(out.str(), HasSubstr("SubmitList.mdb: damaged, left as it is"));
+    EXPECT_THAT(out.str(), HasSubstr("referral2.mdb: no such file"));
+    EXPECT_EQ(bytes_of(libraries.path(lib)), broken);
 }
 
 } // namespace

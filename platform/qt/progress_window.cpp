@@ -52,6 +52,8 @@ public:
         stop.set_caption(texts.stop);
         stop.setObjectName(QStringLiteral("Stop"));
         stop.setMinimumSize(88, 30);
+        // Whoever types ahead must not end the program by it.
+        stop.setAutoDefault(false);
         connect(&stop, &QPushButton::clicked, this, &Dialog::reject);
         row->addWidget(&stop);
         column.addLayout(row.release());

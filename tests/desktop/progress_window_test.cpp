@@ -80,6 +80,14 @@ TEST(ProgressOfWork, ButtonCloseBoxAndEscEndIt) {
     EXPECT_TRUE(ended_by([](QDialog& dialog) { QTest::keyClick(&dialog, Qt::Key_Escape); }));
 }
 
+TEST(ProgressOfWork, EnterDoesNotEndIt) {
+    ProgressWindow window{texts, milliseconds(0)};
+    EXPECT_TRUE(window.show(1, 10));
+    QTest::keyClick(shown(), Qt::Key_Return);
+    EXPECT_TRUE(window.show(2, 10));
+    EXPECT_NE(shown(), nullptr);
+}
+
 TEST(ProgressOfWork, WindowIsGoneWhenTheWorkIsDone) {
     {
         ProgressWindow window{texts, milliseconds(0)};

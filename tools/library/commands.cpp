@@ -25,6 +25,11 @@
 namespace kestrune {
 namespace {
 
+// "1 site", "2 sites".
+std::string counted(std::int64_t number, std::string_view noun) {
+    return std::to_string(number).append(" ").append(noun).append(number == 1 ? "" : "s");
+}
+
 class Tool {
 public:
     Tool(LibraryArguments arguments, const ToolSurroundings& here)
@@ -79,9 +84,10 @@ private:
         list("columns that the library does not have, passed over", report.ignored_columns);
         list("addresses that are there already", report.duplicates);
         list("lines refused", report.refused);
-        here_.out << report.added << " sites " << would() << "added, " << report.updated << ' ' << would()
-                  << "updated, " << static_cast<std::int64_t>(report.duplicates.size()) - report.updated
-                  << " left alone, " << report.refused.size() << " lines refused\n";
+        here_.out << counted(report.added, "site") << ' ' << would() << "added, " << report.updated << ' '
+                  << would() << "updated, "
+                  << static_cast<std::int64_t>(report.duplicates.size()) - report.updated << " left alone, "
+                  << counted(static_cast<std::int64_t>(report.refused.size()), "line") << " refused\n";
         return report.refused.empty() ? ToolExit::Done : ToolExit::LookAtIt;
     }
 
@@ -104,17 +110,16 @@ private:
 
     ToolExit rank() {
         const std::int64_t all = LibraryFile{folder_}.size();
+        need_database_file(files_.path(folder_, referral_database_name), "database of hits");
         SqliteDatabase database;
-        if (!LibraryBackup{database, files_, folder_}.BackUp(site_library_name))
-            throw LibraryError(
-                "the library could not be copied to the folder \"backup\", so nothing was changed");
+        back_up(database);
         const ReferralRanking ranking{database, files_, folder_};
         const RankingSummary summary = ranking.RecomputeReferralRanks([&](std::int64_t rewritten) {
             progress(rewritten, all);
             return !here_.cancelled || !here_.cancelled();
         });
         end_progress();
-        here_.out << summary.rewritten << " of " << all << " sites ranked, " << summary.with_hits
+        here_.out << summary.rewritten << " of " << counted(all, "site") << " ranked, " << summary.with_hits
                   << " of them with hits\n";
         if (summary.end == RankingSummary::End::Cancelled)
             here_.err << "ended by you; the other sites keep the rank that they had\n";
@@ -126,18 +131,21 @@ private:
 
     ToolExit merge() {
         const LibraryFile library{folder_}; // says in plain words when there is none
-        SqliteDatabase database;
+        need_database_file(*arguments_.operand, "file");
+        const std::string own = files_.path(folder_, site_library_name);
         const bool dry = arguments_.dry_run;
-        if (!dry && !LibraryBackup{database, files_, folder_}.BackUp(site_library_name))
-            throw LibraryError(
-                "the library could not be copied to the folder \"backup\", so nothing was changed");
-        const auto added = merge_site_libraries(*arguments_.operand, files_.path(folder_, site_library_name),
-                                                dry ? MergeMode::DryRun : MergeMode::Store);
+        // Before the copy: a file that turns out to be no library must not cost the last copy.
+        auto added = merge_site_libraries(*arguments_.operand, own, MergeMode::DryRun);
+        if (!dry) {
+            SqliteDatabase database;
+            back_up(database);
+            added = merge_site_libraries(*arguments_.operand, own, MergeMode::Store);
+        }
         std::vector<std::string> lines;
         for (const MergedSite& site : added)
             lines.push_back(site.description + "  " + site.url);
         list(dry ? "sites that would be added" : "sites added", lines);
-        here_.out << added.size() << " sites " << would() << "added\n";
+        here_.out << counted(static_cast<std::int64_t>(added.size()), "site") << ' ' << would() << "added\n";
         return ToolExit::Done;
     }
 
@@ -151,11 +159,20 @@ private:
         end_progress();
         ToolExit exit = ToolExit::Done;
         for (std::size_t i = 0; i < files.size(); ++i) {
-            here_.out << files[i].path << ": " << describe(outcomes[i]) << '\n';
-            if (outcomes[i] != JetOutcome::Converted && outcomes[i] != JetOutcome::NotJet)
+            const bool missing = !files_.file_exists(files[i].path);
+            const bool done = outcomes[i] == JetOutcome::Converted || outcomes[i] == JetOutcome::NotJet;
+            here_.out << files[i].path << ": " << (missing ? "no such file" : describe(outcomes[i]))
+                      << (done ? "" : ", left as it is") << '\n';
+            if (!done)
                 exit = ToolExit::NotDone;
         }
         return exit;
+    }
+
+    void back_up(Database& database) {
+        if (!LibraryBackup{database, files_, folder_}.BackUp(site_library_name))
+            throw LibraryError(
+                "the library could not be copied to the folder \"backup\", so nothing was changed");
     }
 
     void progress(std::int64_t done, std::int64_t all) {

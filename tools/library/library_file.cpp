@@ -14,13 +14,8 @@ namespace kestrune {
 namespace {
 
 SqliteConnection open_library(const std::string& folder) {
-    const DiskFiles files;
-    const std::string path = files.path(folder, site_library_name);
-    if (!files.file_exists(path))
-        throw LibraryError("there is no library: " + path);
-    if (is_jet_file(path))
-        throw LibraryError(path +
-                           " is a database made with Access; \"kestrune-library convert\" converts it");
+    const std::string path = DiskFiles{}.path(folder, site_library_name);
+    need_database_file(path, "library");
     return SqliteConnection::open_existing(path);
 }
 
@@ -32,6 +27,15 @@ std::string quoted(std::string_view name) {
 }
 
 } // namespace
+
+void need_database_file(const std::string& path, std::string_view what) {
+    if (!DiskFiles{}.file_exists(path))
+        throw LibraryError(std::string("there is no ").append(what).append(": ").append(path));
+    if (is_jet_file(path))
+        throw LibraryError(path +
+                           " is a database made with Access; \"kestrune-library convert\" converts the "
+                           "databases of a folder");
+}
 
 LibraryFile::LibraryFile(const std::string& folder) : folder_(folder), connection_(open_library(folder)) {
     const SqliteQuery table{connection_, "SELECT * FROM tblSubmitList"};

@@ -19,6 +19,10 @@ public:
     using std::runtime_error::runtime_error;
 };
 
+// Throws LibraryError when there is no file, or one that must be converted first. `what` it is to be is said
+// then.
+void need_database_file(const std::string& path, std::string_view what);
+
 // One row; nothing for Null. Values stand in the order of LibraryFile::columns.
 struct LibraryRow {
     std::int64_t id = 0; // the row's own number within the file, which is not its padkey

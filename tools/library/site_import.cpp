@@ -71,14 +71,14 @@ std::string SiteLine::problem() const {
         return "a site without a description";
     const std::string status = get("status");
     if (!status.empty() && status != "N" && status != "Y" && status != "P")
-        return std::string("no status (N, Y or P): ").append(status);
+        return std::string("unknown status (not N, Y or P): ").append(status);
     const std::string category = get("softtype");
     if (!category.empty() &&
         std::find(category_labels.begin(), category_labels.end(), category) == category_labels.end())
-        return std::string("no category: ").append(category);
+        return std::string("unknown category: ").append(category);
     for (const char* const column : {"referral", "linkfound"}) {
         if (const std::string number = get(column); !number.empty() && !is_whole_number(number))
-            return std::string("no whole number: ").append(number);
+            return std::string("not a whole number: ").append(number);
     }
     return {};
 }
