@@ -46,11 +46,17 @@ struct PageElement {
     //   "label"            the texts of <label for> and of a label around it, without those of controls in it
     //   "aria-labelledby"  the texts of the elements it names
     //   "aria-label"
-    //   "text"             the text before it in the same block, from the control before it on
+    //   "text"             the text before it in the same block, from the control before it on: of blocks the
+    //                      nearest, of lines parted by breaks all, or the nearest where all are too long
     //   "term"             the definition term before the definition that it stands in
     //   "cell"             the cell before its own in a grid made of blocks
     //   "placeholder"
     //   "title"
+    // The unit that it is counted in (KB, bytes ...) belongs to its label when it stands right behind it. A
+    // term or a cell goes to one field of several, and to the lists before it; text above several fields,
+    // none of which has text of its own, heads them together and is the label of none. Check boxes and option
+    // buttons have no label of the kinds "text", "term" and "cell", and hidden fields and push buttons none
+    // at all.
     std::string label;
     std::string label_from; // one of the above, "" without a label
 };

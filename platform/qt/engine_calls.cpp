@@ -17,7 +17,8 @@ void PageCalls::fetch_image(const DocumentId& document, PageParts parts, Receive
     waiting_[request] = {document, parts, std::move(receive)};
     QTimer::singleShot(answer_time_, this, [this, request] { settle(request, {}); });
     const QByteArray wanted = QByteArray("{links:") + (parts.links ? "true" : "false") +
-                              ",forms:" + (parts.forms ? "true" : "false") + "}";
+                              ",forms:" + (parts.forms ? "true" : "false") +
+                              ",labels:" + (parts.labels ? "true" : "false") + "}";
     ask(request,
         "kestrune.image(" + quoted(document) + "," + wanted + "," + QByteArray::number(request) + ")");
 }

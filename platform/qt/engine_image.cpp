@@ -32,6 +32,8 @@ PageElement read_element(const DocumentId& document, const QJsonObject& shown) {
     element.value = text_of(shown[u"value"]);
     element.src = text_of(shown[u"src"]);
     element.checked = shown[u"checked"].toBool();
+    element.label = text_of(shown[u"label"]);
+    element.label_from = text_of(shown[u"from"]);
     for (const QJsonValue& option : shown[u"options"].toArray())
         element.options.push_back(read_option(document, option.toArray()));
     return element;
@@ -68,6 +70,8 @@ PageDocument read_document(const QJsonObject& shown, PageParts parts, int depth)
     for (const QJsonValue& form : shown[u"forms"].toArray())
         document.forms.push_back(read_form(document.id, form.toObject()));
     document.inputs = read_elements(document.id, shown[u"inputs"]);
+    document.active_element = read_element(document.id, shown[u"active"].toObject());
+    document.source = text_of(shown[u"source"]);
     if (depth < deepest_frame) {
         for (const QJsonValue& frame : shown[u"frames"].toArray())
             document.frames.push_back(read_document(frame.toObject(), parts, depth + 1));

@@ -1,6 +1,6 @@
-// A document as the program sees it: takes its image and carries out edits. Takes the shared natives, evaluates to
-// the class.
-(function ({ native, html, textTypes, limits, randomId, text }) {
+// A document as the program sees it: takes its image and carries out edits. Takes the shared natives and the class of
+// labels.js, evaluates to the class.
+(function ({ native, html, textTypes, limits, randomId, text }, Labels) {
     function formTags(source) {
         const tags = [];
         const opening = /<form /gi;
@@ -14,22 +14,40 @@
         return tags;
     }
 
-    // The document's source; open shadow roots stand in it as templates where the engine can write them so.
+    const fields = new Set(['input', 'select', 'textarea']);
+
+    function shadowRootsIn(root, found = []) {
+        const all = isFragment(root) ? native.queryAllInShadow(root, '*') : native.queryAll(root, '*');
+        for (const element of all) {
+            const shadow = native.shadowRoot(element);
+            if (shadow) {
+                found.push(shadow);
+                shadowRootsIn(shadow, found);
+            }
+        }
+        return found;
+    }
+
+    // The document's source, open shadow roots in it as templates, and whether it may hold any.
     function sourceOf(root) {
-        if (typeof root.getInnerHTML === 'function')
-            return root.getInnerHTML({ includeShadowRoots: true });
-        return native.innerHTML(root);
+        if (typeof root.getInnerHTML === 'function') {
+            const source = root.getInnerHTML({ includeShadowRoots: true });
+            return { source, shadows: /<template shadowroot/.test(source) };
+        }
+        const shadowRoots = shadowRootsIn(root);
+        const source = shadowRoots.length > 0 && typeof root.getHTML === 'function'
+            ? root.getHTML({ shadowRoots })
+            : native.innerHTML(root);
+        return { source, shadows: shadowRoots.length > 0 };
     }
 
-    function mayHaveShadowRoots(root, source) {
-        if (typeof root.getInnerHTML === 'function')
-            return /<template shadowroot/.test(source);
-        return Array.prototype.some.call(native.queryAll(root, '*'), (element) => native.shadowRoot(element));
+    function isFragment(root) {
+        return native.nodeType(root) === 11;
     }
 
-    // Links, forms and inputs in document order, a shadow root's where its host stands.
+    // Links, forms, inputs, and all fields with the labels, in document order; a shadow root's where its host stands.
     function walkShadows(root, found) {
-        const all = root instanceof DocumentFragment ? native.queryAllInShadow(root, '*') : native.queryAll(root, '*');
+        const all = isFragment(root) ? native.queryAllInShadow(root, '*') : native.queryAll(root, '*');
         for (const element of all) {
             if (native.namespace(element) === html) {
                 const name = native.localName(element);
@@ -39,12 +57,18 @@
                     found.inputs.push(element);
                 else if ((name === 'a' || name === 'area') && native.has(element, 'href'))
                     found.links.push(element);
+                if (name === 'label' || fields.has(name))
+                    found.marks.push(element);
             }
             const shadow = native.shadowRoot(element);
             if (shadow)
                 walkShadows(shadow, found);
         }
         return found;
+    }
+
+    function isField(element) {
+        return native.namespace(element) === html && fields.has(native.localName(element));
     }
 
     // One document and the elements of it that were shown to the program.
@@ -57,6 +81,7 @@
             this.numbers = new WeakMap();
             this.elements = new Map();
             this.imageCount = 0;
+            this.labels = null; // while an image with labels is taken
             this.nextElement = 1;
         }
 
@@ -69,22 +94,38 @@
             const root = native.root(this.document);
             if (!root)
                 return image;
-            const source = sourceOf(root);
+            const { source, shadows } = sourceOf(root);
             image.tags = formTags(source);
             ++this.imageCount;
-            const found = mayHaveShadowRoots(root, source)
-                ? walkShadows(root, { links: [], forms: [], inputs: [] })
-                : null;
+            const found = shadows ? walkShadows(root, { links: [], forms: [], inputs: [], marks: [] }) : null;
             if (parts.links)
                 image.links = this.showLinks(found ? found.links : native.links(this.document));
+            this.labels = null;
+            if (parts.labels) {
+                image.source = text(source, limits.source);
+                this.labels = new Labels(found ? found.marks
+                    : Array.from(native.queryAll(root, 'label, input, select, textarea')));
+            }
             if (parts.forms) {
                 image.forms = Array.from(found ? found.forms : native.forms(this.document), (form) =>
                     this.showForm(form));
                 const inputs = found ? found.inputs : native.byTag(this.document, 'INPUT');
                 image.inputs = Array.from(inputs, (input) => this.showElement(input));
+                const active = this.activeField();
+                if (active)
+                    image.active = this.showElement(active);
             }
+            this.labels = null;
             this.letGo();
             return image;
+        }
+
+        // The field that has the focus, or null.
+        activeField() {
+            let active = native.active(this.document);
+            while (active && native.shadowRoot(active))
+                active = native.activeInShadow(native.shadowRoot(active));
+            return active && isField(active) ? active : null;
         }
 
         // Elements stay reachable for as long as the last few images that showed them, and no longer.
@@ -145,6 +186,11 @@
             if (native.localName(element) === 'select')
                 shown.options = Array.from(element.options, (option) =>
                     [this.number(option), text(option.text), text(option.value), option.selected === true]);
+            if (this.labels && isField(element)) {
+                const [label, from] = this.labels.of(element);
+                if (label)
+                    Object.assign(shown, { label, from });
+            }
             return shown;
         }
 
@@ -162,7 +208,9 @@
             const name = native.localName(element);
             if (edit.kind === 'click')
                 native.click(element);
-            else if (edit.kind === 'value' && (name === 'input' || name === 'textarea' || name === 'select'))
+            else if (edit.kind === 'focus' && isField(element))
+                native.focus(element);
+            else if (edit.kind === 'value' && isField(element))
                 this.write(element, () => { element.value = edit.text; });
             else if (edit.kind === 'check' && name === 'input')
                 this.check(element);

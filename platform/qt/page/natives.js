@@ -31,21 +31,42 @@
         owner: getter(Node, 'ownerDocument'),
         dispatch: method(EventTarget, 'dispatchEvent'),
         click: method(HTMLElement, 'click'),
+        focus: method(HTMLElement, 'focus'),
+        active: getter(Document, 'activeElement'),
+        activeInShadow: getter(ShadowRoot, 'activeElement'),
+        byId: method(Document, 'getElementById'),
+        byIdInShadow: method(DocumentFragment, 'getElementById'),
+        host: getter(ShadowRoot, 'host'),
+        nodeType: getter(Node, 'nodeType'),
+        parent: getter(Node, 'parentNode'),
+        previous: getter(Node, 'previousSibling'),
+        next: getter(Node, 'nextSibling'),
+        first: getter(Node, 'firstChild'),
+        last: getter(Node, 'lastChild'),
+        rootNode: method(Node, 'getRootNode'),
+        data: getter(CharacterData, 'data'),
+        control: getter(HTMLLabelElement, 'control'),
+        inputType: getter(HTMLInputElement, 'type'),
     };
 
     const html = 'http://www.w3.org/1999/xhtml';
     // Types that only say what kind of text is wanted.
     const textTypes = new Set(['email', 'url', 'tel', 'number', 'search', 'date', 'datetime-local', 'month', 'week', 'time']);
-    const limits = { elements: 200000, tags: 100000, frames: 200, depth: 20, text: 4 << 20, inline: 32768, images: 8 };
+    const limits = {
+        elements: 200000, tags: 100000, frames: 200, depth: 20, text: 4 << 20, source: 32 << 20, inline: 32768, images: 8,
+        // Characters of a label that the page names as such, and of one that is guessed from where it stands; nodes
+        // that are looked at for one guess.
+        label: 1000, guess: 200, look: 300,
+    };
 
     function randomId() {
         const bytes = crypto.getRandomValues(new Uint8Array(16));
         return Array.from(bytes, (byte) => byte.toString(16).padStart(2, '0')).join('');
     }
 
-    function text(value) {
+    function text(value, longest = limits.text) {
         const whole = typeof value === 'string' ? value : '';
-        return whole.length > limits.text ? whole.slice(0, limits.text) : whole;
+        return whole.length > longest ? whole.slice(0, longest) : whole;
     }
 
     // Runs a task after the handlers of the event that is being dispatched. Unlike a timer it is not slowed down

@@ -21,9 +21,9 @@
 //   {event: "complete", url}, {event: "gone"}, {answer: number, value}
 // Top frame to frame, over the port: {ask: "image" | "apply" | "stop" | "ping", number, value}
 //
-// An image is {id, url, tags: [text], links: [[element, text]], forms: [form], inputs: [element], frames: [image]}.
-// A form is {element, id, action, actionInput, elements}; an element {element, type, name, value, src, checked,
-// options: [[element, text, value, selected]]}; what is empty or false is left out.
+// An image is {id, url, tags: [text], links: [[element, text]], forms: [form], inputs: [element], active: element,
+// source, frames: [image]}. A form is {element, id, action, actionInput, elements}; an element {element, type, name,
+// value, src, checked, options: [[element, text, value, selected]], label, from}; what is empty or false is left out.
 (function (files, config) {
     const key = 'kestrune';
     // The engine runs scripts again in some documents.
@@ -32,7 +32,7 @@
         return;
 
     const natives = files.natives();
-    const Agent = files.agent(natives);
+    const Agent = files.agent(natives, files.labels(natives));
     const completion = files.completion(natives, config);
 
     // The top frame may have come first.
