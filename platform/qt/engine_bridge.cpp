@@ -11,14 +11,15 @@
 namespace kestrune {
 namespace {
 
-constexpr qsizetype longest_notice = 8 << 20; // characters; an address alone may have two million
+constexpr qsizetype longest_notice = 32 << 20; // characters; an address alone may have two million
 
-constexpr std::array<std::pair<const char*, PageNotice::Kind>, 5> kinds = {{
+constexpr std::array<std::pair<const char*, PageNotice::Kind>, 6> kinds = {{
     {"begin", PageNotice::Kind::begin},
     {"frame", PageNotice::Kind::frame},
     {"complete", PageNotice::Kind::complete},
     {"image", PageNotice::Kind::image},
     {"ready", PageNotice::Kind::ready},
+    {"submit", PageNotice::Kind::submit},
 }};
 
 std::optional<PageNotice::Kind> kind_of(const QString& name) {
@@ -45,6 +46,11 @@ std::optional<PageNotice> read_notice(const QString& json) {
     notice.error = object[u"error"].toBool();
     notice.request = static_cast<quint32>(object[u"request"].toInteger());
     notice.text = object[u"text"].toString();
+    if (notice.kind == PageNotice::Kind::submit) {
+        notice.submission = read_submission(object);
+        if (!notice.submission)
+            return std::nullopt;
+    }
     return notice;
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/page.h"
+#include "platform/qt/engine_submission.h"
 
 #include <QObject>
 #include <QString>
@@ -12,13 +13,14 @@ namespace kestrune {
 
 // What the top frame's script reports; described on top of page/script.js.
 struct PageNotice {
-    enum class Kind { begin, frame, complete, image, ready };
+    enum class Kind { begin, frame, complete, image, ready, submit };
     Kind kind = Kind::begin;
     DocumentId id;
     std::string url;
     bool error = false;
     quint32 request = 0;
     QString text;
+    std::optional<FormSubmission> submission = {}; // of "submit", always
 };
 
 // Nothing when the text is no report.

@@ -2,7 +2,6 @@
 
 #include <QJsonArray>
 #include <QJsonDocument>
-#include <QJsonObject>
 
 #include <limits>
 
@@ -103,7 +102,12 @@ std::optional<PageDocument> read_image(const QString& json, const DocumentId& do
     const QJsonDocument parsed = QJsonDocument::fromJson(json.toUtf8());
     if (!parsed.isObject())
         return std::nullopt;
-    PageDocument image = read_document(parsed.object(), parts, 0);
+    return read_image(parsed.object(), document, parts);
+}
+
+std::optional<PageDocument> read_image(const QJsonObject& shown, const DocumentId& document,
+                                       PageParts parts) {
+    PageDocument image = read_document(shown, parts, 0);
     if (document.empty() || image.id != document)
         return std::nullopt;
     return image;

@@ -3,6 +3,7 @@
 #include "platform/page.h"
 
 #include <QByteArray>
+#include <QJsonObject>
 #include <QString>
 
 #include <optional>
@@ -16,6 +17,7 @@ namespace kestrune {
 
 // Nothing when the text is no image of the document. `parts` is what was asked for.
 std::optional<PageDocument> read_image(const QString& json, const DocumentId& document, PageParts parts);
+std::optional<PageDocument> read_image(const QJsonObject& shown, const DocumentId& document, PageParts parts);
 
 // The edits as the page side takes them.
 QByteArray write_edits(const std::vector<PageEdit>& edits);

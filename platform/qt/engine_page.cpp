@@ -123,7 +123,13 @@ bool EnginePage::acceptNavigationRequest(const QUrl& url, NavigationType type, b
         diagnostics::report("address refused", url.toString().toStdString());
         return false;
     }
-    events_.navigation_asked(url, type == NavigationTypeRedirect, top_level);
+    const bool by_hand =
+        type == NavigationTypeTyped || type == NavigationTypeBackForward || type == NavigationTypeReload;
+    events_.navigation_asked({.url = url,
+                              .top_level = top_level,
+                              .redirect = type == NavigationTypeRedirect,
+                              .of_a_form = type == NavigationTypeFormSubmitted,
+                              .of_the_page = !by_hand});
     return true;
 }
 

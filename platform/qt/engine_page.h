@@ -13,6 +13,14 @@ class QWebEngineUrlRequestInterceptor;
 
 namespace kestrune {
 
+struct AskedNavigation {
+    QUrl url;
+    bool top_level = true;
+    bool redirect = false;   // as the engine calls it, see NavigationWatch
+    bool of_a_form = false;  // it submits a form
+    bool of_the_page = true; // not the user's or the program's own; a form's submission always is the page's
+};
+
 // What a page reports to the adapter that owns it. Called from inside the engine.
 class EnginePageEvents {
 public:
@@ -23,8 +31,8 @@ public:
     EnginePageEvents(EnginePageEvents&&) = delete;
     EnginePageEvents& operator=(EnginePageEvents&&) = delete;
 
-    // A navigation is asked for; `redirect` as the engine calls it, see NavigationWatch.
-    virtual void navigation_asked(const QUrl& url, bool redirect, bool top_level) = 0;
+    // A navigation is asked for.
+    virtual void navigation_asked(const AskedNavigation& asked) = 0;
     // Its request goes out.
     virtual void navigation_requested(const QUrl& url, bool redirect, bool top_level) = 0;
     // The page wants a window; null refuses it.

@@ -8,6 +8,7 @@
 #include "platform/qt/engine_order.h"
 #include "platform/qt/engine_page.h"
 #include "platform/qt/engine_profile.h"
+#include "platform/qt/engine_submission.h"
 
 #include <QAction>
 #include <QEventLoop>
@@ -54,7 +55,7 @@ public:
     void reload();
     std::optional<PageDocument> take_image(const DocumentId& document, PageParts parts);
 
-    void navigation_asked(const QUrl& url, bool redirect, bool top_level) override;
+    void navigation_asked(const AskedNavigation& asked) override;
     void navigation_requested(const QUrl& url, bool redirect, bool top_level) override;
     QWebEnginePage* window_wanted() override;
     void heard(PageNotice notice) override;
@@ -67,6 +68,7 @@ public:
 private:
     void began(const PageNotice& notice);
     void completed(const DocumentId& id, const std::string& url);
+    void join(EventOrder::Place place, const AskedNavigation& asked);
     void announce(const QUrl& url, bool top_level);
     void announce_back();
     [[nodiscard]] bool can_go_back() const;
@@ -75,6 +77,7 @@ private:
     std::shared_ptr<EngineProfile> profile_;
     EventOrder order_;
     NavigationWatch navigations_;
+    SubmissionJoin submissions_;
     std::unique_ptr<EnginePage> page_;
     std::unique_ptr<PageCalls> calls_;
     QPointer<QWebEngineView> view_; // its parent may have deleted it before
@@ -164,20 +167,36 @@ std::optional<PageDocument> QtBrowser::Engine::take_image(const DocumentId& docu
     return std::move(result->image);
 }
 
-void QtBrowser::Engine::navigation_asked(const QUrl& url, bool redirect, bool top_level) {
+void QtBrowser::Engine::navigation_asked(const AskedNavigation& asked) {
     const EventOrder::Place place = order_.keep();
-    navigations_.asked(url, redirect, top_level, [this, place, url, top_level](bool announced) {
-        if (!announced) {
+    navigations_.asked(asked.url, asked.redirect, asked.top_level, [this, place, asked](bool announced) {
+        if (announced)
+            join(place, asked);
+        else
             order_.drop(place);
-            return;
-        }
-        NavigateEvent event;
-        event.top_level = top_level;
-        event.url = url.toString(QUrl::FullyEncoded).toStdString();
-        order_.fill(place, [this, event] { events_.BeforeNavigate2(event); });
     });
     if (const std::uint64_t number = navigations_.undecided())
         QTimer::singleShot(request_time, this, [this, number] { navigations_.no_request(number); });
+}
+
+void QtBrowser::Engine::join(EventOrder::Place place, const AskedNavigation& asked) {
+    const auto announce = [this, place, asked](std::optional<FormSubmission> submission) {
+        NavigateEvent event;
+        event.top_level = asked.top_level;
+        event.url = asked.url.toString(QUrl::FullyEncoded).toStdString();
+        if (submission) {
+            event.frame_name = std::move(submission->frame);
+            event.postdata = std::move(submission->postdata);
+            event.headers = std::move(submission->headers);
+            event.submitted = std::move(submission->submitted);
+        }
+        order_.fill(
+            place, [this, event = std::move(event)]() mutable { events_.BeforeNavigate2(std::move(event)); });
+    };
+    if (asked.of_the_page)
+        submissions_.asked(asked.url, asked.of_a_form, announce);
+    else
+        announce(std::nullopt);
 }
 
 void QtBrowser::Engine::navigation_requested(const QUrl& url, bool redirect, bool top_level) {
@@ -216,6 +235,9 @@ void QtBrowser::Engine::heard(PageNotice notice) {
         break;
     case PageNotice::Kind::ready:
         calls_->ready(notice.request);
+        break;
+    case PageNotice::Kind::submit:
+        submissions_.reported(std::move(*notice.submission));
         break;
     }
 }

@@ -12,9 +12,11 @@ SiteServer::SiteServer() : server_(std::make_unique<httplib::Server>()) {
     server_->new_task_queue = [] { return new httplib::ThreadPool(24); };
     const auto handle = [this](const httplib::Request& asked, httplib::Response& given) {
         std::unique_lock lock(mutex_);
-        Request request{asked.method, asked.target, asked.body, {}};
+        Request request{asked.method, asked.target, asked.body, {}, {}};
         for (const auto& [name, value] : asked.headers)
             request.headers[name] = value;
+        for (const auto& [name, part] : asked.files)
+            request.parts.emplace(name, part.content);
         requests_.push_back(std::move(request));
         if (silent_.contains(asked.path)) {
             ended_.wait(lock, [this] { return ending_; });

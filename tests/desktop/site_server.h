@@ -29,8 +29,9 @@ public:
     struct Request {
         std::string method;
         std::string target; // path and query as sent
-        std::string body;
+        std::string body;   // empty for multipart data, which stands in `parts`
         std::map<std::string, std::string> headers;
+        std::multimap<std::string, std::string> parts = {};
     };
 
     SiteServer();

@@ -96,7 +96,8 @@
                 return image;
             const { source, shadows } = sourceOf(root);
             image.tags = formTags(source);
-            ++this.imageCount;
+            if (!parts.passing)
+                ++this.imageCount;
             const found = shadows ? walkShadows(root, { links: [], forms: [], inputs: [], marks: [] }) : null;
             if (parts.links)
                 image.links = this.showLinks(found ? found.links : native.links(this.document));
@@ -116,7 +117,8 @@
                     image.active = this.showElement(active);
             }
             this.labels = null;
-            this.letGo();
+            if (!parts.passing)
+                this.letGo();
             return image;
         }
 
@@ -128,7 +130,8 @@
             return active && isField(active) ? active : null;
         }
 
-        // Elements stay reachable for as long as the last few images that showed them, and no longer.
+        // Elements stay reachable for as long as the last few images that showed them, and no longer. An image in
+        // passing, which a page can cause as often as it likes, does not count.
         letGo() {
             if (this.imageCount % limits.images !== 0)
                 return;

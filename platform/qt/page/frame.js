@@ -1,5 +1,5 @@
 // Serves the document of a frame: everything goes over one port to the top frame.
-(function ({ watch, keepArmed }, config) {
+(function ({ watch, keepArmed }, hearSubmissions, config) {
     function serveFrame(agent) {
         const { port1: port, port2 } = new MessageChannel();
         const watching = watch(agent, () => port.postMessage({ event: 'complete', url: agent.url }));
@@ -9,6 +9,7 @@
         };
         const arm = () => {
             watching.arm();
+            hearSubmissions(agent, (submission) => port.postMessage({ event: 'submit', ...submission }));
             window.addEventListener('pagehide', leave, true);
         };
         arm();

@@ -16,9 +16,10 @@
 //   {event: "complete", id, url}       a document has completed; frames before the document they lie in
 //   {event: "image", request, text}    the late answer to image(), when it is short
 //   {event: "ready", request}          the late answer is there to be taken
+//   {event: "submit", id, form, ...}   a form of the document is about to be sent; see submission.js
 // Frame to top frame: one window message {token, id, url, error} that carries a port; everything else goes over the
 // port, where page code cannot listen. The token never travels towards a frame.
-//   {event: "complete", url}, {event: "gone"}, {answer: number, value}
+//   {event: "complete", url}, {event: "gone"}, {event: "submit", form, ...}, {answer: number, value}
 // Top frame to frame, over the port: {ask: "image" | "apply" | "stop" | "ping", number, value}
 //
 // An image is {id, url, tags: [text], links: [[element, text]], forms: [form], inputs: [element], active: element,
@@ -34,6 +35,7 @@
     const natives = files.natives();
     const Agent = files.agent(natives, files.labels(natives));
     const completion = files.completion(natives, config);
+    const hearSubmissions = files.submission(natives, files.encoding(natives), files.referrer(natives));
 
     // The top frame may have come first.
     const agent = before && before.document === document ? before.agent : new Agent(window);
@@ -46,13 +48,13 @@
             window.top.postMessage({ token: config.token, id: agent.id, url: '', error: true }, '*',
                 [new MessageChannel().port2]);
         else
-            files.frame(completion, config)(agent);
+            files.frame(completion, hearSubmissions, config)(agent);
     } else if (errorPage) {
         qt.webChannelTransport.send(JSON.stringify({
             type: 6, object: key, method: 'post', id: 1,
             args: [JSON.stringify({ event: 'begin', id: agent.id, url: '', error: true })],
         }));
     } else {
-        files.top(natives, completion, Agent, files.remote(config), config)(agent, ours);
+        files.top(natives, completion, hearSubmissions, Agent, files.remote(config), config)(agent, ours);
     }
 })

@@ -1,6 +1,6 @@
 // Serves the top window's document, and gathers what the frames' documents say. `ours` is the object that the
 // program calls; see script.js.
-(function ({ native, limits, after }, { watch, keepArmed }, Agent, Remote, config) {
+(function ({ native, limits, after }, { watch, keepArmed }, hearSubmissions, Agent, Remote, config) {
     const key = 'kestrune';
 
     function serveTop(agent, ours) {
@@ -39,6 +39,7 @@
                     return null;
                 const agent = new Agent(view);
                 agent.complete = native.readyState(its) === 'complete';
+                hearSubmissions(agent, (submission) => submitted(agent, submission));
                 Object.defineProperty(view, key, { value: { document: its, agent, adopted: true }, configurable: true });
                 byId.set(agent.id, agent);
                 return agent;
@@ -100,6 +101,13 @@
                 return;
             announced.add(one.id);
             tell({ event: 'complete', id: one.id, url: one.url });
+        }
+
+        // Each document speaks for itself only.
+        function submitted(one, { form, url, post, frame, data, headers, image }) {
+            if (image)
+                Object.assign(image, { id: one.id, url: one.url });
+            tell({ event: 'submit', id: one.id, form, url, post, frame, data, headers, image });
         }
 
         let announcing = Promise.resolve();
@@ -194,6 +202,8 @@
                 remote.readUrl(data.url);
                 remote.complete = true;
                 announce(remote);
+            } else if (data.event === 'submit') {
+                submitted(remote, data);
             } else if (data.event === 'gone') {
                 forget(remote);
             }
@@ -222,6 +232,7 @@
         };
         const arm = () => {
             watching.arm();
+            hearSubmissions(agent, (submission) => submitted(agent, submission));
             window.addEventListener('message', hear, true);
         };
         arm();
