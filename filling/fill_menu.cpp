@@ -41,6 +41,8 @@ bool takes_text(const PageElement& element) {
 void fill_active(LivePage& page, const FrmPreference& profile, const FillEntry& entry) {
     PageElement& field = page.document()->active_element;
     const std::string& value = (profile.*entry.box).Text.get();
+    if (field.locked)
+        return;
     if (lower_case(field.type) == "select-one") {
         const bool for_lists = entry.index == fill_category || entry.index == fill_program_type;
         if (for_lists && SelectOptionByPattern(page, field, value))
@@ -55,7 +57,9 @@ std::string line_of(const FieldReport& field) {
     const std::string name = field.name.empty() ? "(no name)" : field.name;
     const std::string label =
         field.label.empty() ? "no label" : "\"" + shortened(field.label) + "\" (" + field.label_from + ")";
-    const std::string row = field.pattern.empty() ? "no row of the table matches" : field.pattern;
+    const std::string row = field.locked            ? "the page lets nobody write there"
+                            : field.pattern.empty() ? "no row of the table matches"
+                                                    : field.pattern;
     const std::string value = field.written ? "\"" + shortened(field.value) + "\"" : "left as it is";
     return name + ": " + label + " - " + row + " - " + value;
 }

@@ -111,6 +111,13 @@ void fill_list(LivePage& page, PageElement& list, const FrmPreference& profile, 
     }
 }
 
+void fill(LivePage& page, PageElement& element, const FrmPreference& profile, FieldReport& report) {
+    if (lower_case(element.type) == "select-one")
+        fill_list(page, element, profile, report);
+    else
+        fill_text(page, element, profile, report);
+}
+
 } // namespace
 
 bool MatchAny(std::string_view text, std::string_view pattern) {
@@ -188,10 +195,9 @@ FillReport FillAllFields(LivePage& page, const FrmPreference& profile) {
             continue;
         LabelFound label = label_of(labels, element);
         FieldReport report{element.name, element.type, std::move(label.text), std::move(label.from), "", ""};
-        if (lower_case(element.type) == "select-one")
-            fill_list(page, element, profile, report);
-        else
-            fill_text(page, element, profile, report);
+        report.locked = element.locked;
+        if (!element.locked)
+            fill(page, element, profile, report);
         reports.push_back(std::move(report));
     }
     return reports;

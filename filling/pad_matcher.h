@@ -36,12 +36,14 @@ struct FieldReport {
     std::string pattern;    // that matched, "" for none
     std::string value;      // written, or the text of the option selected
     bool written = false;
+    bool locked = false; // the page lets nobody write there, and so it was left
 };
 using FillReport = std::vector<FieldReport>;
 
 // Fills the form that holds the active element of the page's own document from the profile: each field by its
 // label, lists of categories and licence types by the option that fits. A profile text that is empty leaves
-// its field as it is. The image must hold labels. Nothing is filled when no form holds the active element.
+// its field as it is, and so does a page that has locked it: what the site knows of the author is not to be
+// overwritten. The image must hold labels. Nothing is filled when no form holds the active element.
 FillReport FillAllFields(LivePage& page, const FrmPreference& profile);
 
 } // namespace kestrune

@@ -40,6 +40,7 @@ struct PageElement {
     std::string value; // a text area's line ends read CR LF, as they are posted
     std::string src;   // as written in the page; of image buttons
     bool checked = false;
+    bool locked = false;             // read-only, or disabled by itself or by a fieldset: nobody types there
     std::vector<PageOption> options; // of lists
     // What a person sees as the element's label, found without regard to table rows, and how: the first of
     // these that gives any text (blanks trimmed and runs of white space as one blank). Comes with the labels.

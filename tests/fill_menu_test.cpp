@@ -119,6 +119,18 @@ TEST_F(FillMenuTest, ElementThatNobodyTypesIntoTakesNothing) {
     EXPECT_THAT(browser.edits, IsEmpty());
 }
 
+TEST_F(FillMenuTest, FieldThatThePageHasLockedTakesNothing) {
+    for (const char* type : {"text", "textarea"}) {
+        PageElement& field = add(type, type, "Program name");
+        field.locked = true;
+        choose(field, 2);
+    }
+    PageElement& list = add_list("list", "License", {"Freeware", "txtProgramType"});
+    list.locked = true;
+    choose(list, fill_program_type);
+    EXPECT_THAT(browser.edits, IsEmpty());
+}
+
 TEST_F(FillMenuTest, FieldHasTheFocusWhenItIsWrittenAndAfterwards) {
     choose(add("text", "a", "Program name"), 2);
     EXPECT_THAT(kinds(), ElementsAre(PageEdit::Kind::focus, PageEdit::Kind::value));
@@ -186,10 +198,13 @@ TEST_F(FillMenuTest, ReportForPeopleTellsLabelRowAndValue) {
         {"a", "text", "Program name", "row", "program&name", "Photo Album", true},
         {"b", "text", "", "", "", "", false},
         {"", "text", "Size (MB)", "placeholder", "size&mb", "", false},
+        {"c", "text", "Publisher", "row", "", "", false, true},
     };
-    EXPECT_EQ(FillReportText(report), "a: \"Program name\" (row) - program&name - \"Photo Album\"\n"
-                                      "b: no label - no row of the table matches - left as it is\n"
-                                      "(no name): \"Size (MB)\" (placeholder) - size&mb - left as it is\n");
+    EXPECT_EQ(FillReportText(report),
+              "a: \"Program name\" (row) - program&name - \"Photo Album\"\n"
+              "b: no label - no row of the table matches - left as it is\n"
+              "(no name): \"Size (MB)\" (placeholder) - size&mb - left as it is\n"
+              "c: \"Publisher\" (row) - the page lets nobody write there - left as it is\n");
 }
 
 } // namespace

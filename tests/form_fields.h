@@ -15,6 +15,7 @@ struct WrittenField {
     std::string name;
     std::vector<std::string> options; // texts
     std::size_t form = 0;             // from 1; 0: in none
+    bool locked = false;              // read-only or disabled
 };
 
 // The fields as they are written in a page's file, push buttons left out. A reader of practice pages, not of
@@ -140,6 +141,7 @@ private:
     void take_field(const Tag& tag) {
         const std::string* const name = tag.attribute("name");
         WrittenField field{tag.name, name == nullptr ? "" : *name, {}, form_};
+        field.locked = tag.attribute("readonly") != nullptr || tag.attribute("disabled") != nullptr;
         if (tag.name == "input") {
             const std::string* const type = tag.attribute("type");
             field.type = type == nullptr ? "text" : lower(*type);

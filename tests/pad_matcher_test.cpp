@@ -138,6 +138,19 @@ TEST_F(PadMatcherTest, OtherKindsOfElementsAreLeftAlone) {
     EXPECT_THAT(browser.edits, IsEmpty());
 }
 
+TEST_F(PadMatcherTest, FieldThatThePageHasLockedIsLeftAsItIs) {
+    add("text", "publisher", "Publisher").locked = true;
+    add_list("kind", "License", {"Freeware", "txtProgramType"}).locked = true;
+    add("text", "title", "Title");
+    const FillReport report = fill();
+    EXPECT_EQ(written_to("publisher"), "nothing");
+    EXPECT_TRUE(selected_in("kind").empty());
+    EXPECT_EQ(written_to("title"), "txtProgramName");
+    ASSERT_EQ(report.size(), 3U);
+    EXPECT_TRUE(report[0].locked);
+    EXPECT_FALSE(report[2].locked);
+}
+
 TEST_F(PadMatcherTest, TypeOfAnElementCountsInAnyLetterCase) {
     add("text", "a", "Program name").type = "TEXT";
     fill();
