@@ -134,6 +134,23 @@ TEST_F(EngineLabels, a_block_above_the_field_in_the_same_block_is_its_label) {
               (Seen{"Program name", "text"}));
 }
 
+TEST_F(EngineLabels, an_empty_line_parts_the_label_from_what_stands_above_it) {
+    EXPECT_EQ(seen("<p>Name<br><input name=a><br>Without the version.<br><br>Price<br><input name=f></p>"),
+              (Seen{"Price", "text"}));
+    EXPECT_EQ(seen("<p>Price<br><br><input name=f></p>"), (Seen{"Price", "text"}));
+    EXPECT_EQ(seen("<p>Price<br><br>(in dollars)<br><input name=f></p>"),
+              (Seen{"Price (in dollars)", "text"}));
+}
+
+TEST_F(EngineLabels, a_heading_and_what_is_explained_below_it_are_the_only_fields_label) {
+    EXPECT_EQ(seen("<div><h3>Program name</h3><p>As in the list.</p><input name=f></div>"),
+              (Seen{"Program name As in the list.", "text"}));
+    EXPECT_EQ(seen("<div><h3>Program name</h3><p>As in the list.</p><div><input name=f></div></div>"),
+              (Seen{"Program name As in the list.", "cell"}));
+    EXPECT_EQ(seen("<div><h3>Links</h3><p>Home page</p><input name=f><p>Download</p><input name=a></div>"),
+              (Seen{"Home page", "text"}));
+}
+
 TEST_F(EngineLabels, a_heading_over_several_fields_labels_none_of_them) {
     EXPECT_EQ(seen("<h3>Program information</h3><input name=f placeholder=Name><input name=g>"),
               (Seen{"Name", "placeholder"}));
@@ -212,6 +229,15 @@ TEST_F(EngineLabels, the_cells_of_a_grid_in_one_row_label_each_its_next) {
 
 TEST_F(EngineLabels, a_cell_of_fields_labels_no_other_cell) {
     EXPECT_EQ(seen("<div><div>Name <input name=a></div><div><input name=f></div></div>"), none);
+}
+
+TEST_F(EngineLabels, text_behind_the_field_in_another_fields_cell_labels_no_other) {
+    EXPECT_EQ(seen("<style>label { position: absolute }</style><div><input name=a><label>Name</label></div>"
+                   "<div><input name=f><label>Version</label></div>"),
+              none);
+    EXPECT_EQ(seen("<div><div>Name</div><div><input name=a><div>No version here.</div></div></div>"
+                   "<div><div><input name=f></div></div>"),
+              none);
 }
 
 TEST_F(EngineLabels, a_placeholder_goes_before_a_title) {

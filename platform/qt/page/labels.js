@@ -97,9 +97,10 @@
     }
 
     // The text before a node within `top`, from the field before it on: the lines that breaks part, as one if that
-    // is short enough for a label, or else the nearest. Blocks are read one at a time. `apart` tells that the text
-    // is not in the node's own block or line; `met` that a field came before any text.
-    function textBefore(from, top, visible) {
+    // is short enough for a label, or else the nearest. An empty line ends it: what stands above that is about
+    // something else, unless a remark in brackets follows. Blocks are read one at a time, or all of them as lines.
+    // `apart` tells that the text is not in the node's own block or line; `met` that a field came before any text.
+    function textBefore(from, top, visible, allBlocks = false) {
         let lines = [''];
         let met = false;
         let apart = false;
@@ -107,6 +108,11 @@
             if (kind === 'text') {
                 lines[lines.length - 1] = native.data(node).slice(-4 * limits.guess) + lines[lines.length - 1];
             } else if (kind === 'line') {
+                const nearest = lines.map(plain).filter(hasWords).pop();
+                if (!allBlocks && nearest && !nearest.startsWith('(') && !hasWords(lines[lines.length - 1]))
+                    return true;
+                lines.push('');
+            } else if (allBlocks && (kind === 'box' || kind === 'block' || kind === 'nothing')) {
                 lines.push('');
             } else if (kind === 'box' || kind === 'block' || kind === 'nothing') {
                 if (lines.some(hasWords))
@@ -169,9 +175,18 @@
         return block;
     }
 
+    // As textBefore. All the text before the only field of `top` is about it: a heading, and what is explained below.
+    function textFor(from, top, visible) {
+        const near = textBefore(from, top, visible);
+        if (!near.text || !near.apart || holdsFieldBehind(from, top, visible))
+            return near;
+        const all = textBefore(from, top, visible, true);
+        return all.met ? near : { ...near, text: all.text };
+    }
+
     function inBlock(field, visible) {
         const block = blockOf(field);
-        const { text, apart } = textBefore(field, block, visible);
+        const { text, apart } = textFor(field, block, visible);
         return text && apart && fieldFollows(field, block, visible) ? '' : text;
     }
 
@@ -191,6 +206,30 @@
         return '';
     }
 
+    function holdsField(element, visible) {
+        let holds = false;
+        const all = walk(element, element, on, visible, (kind) => {
+            holds = kind === 'field';
+            return holds;
+        });
+        return holds || !all;
+    }
+
+    // Whether what stands before a cell is another field's cell: then the text in it is about that field.
+    function followsField(cell, visible) {
+        for (let node = native.previous(cell); node; node = native.previous(node)) {
+            if (native.nodeType(node) === nodeTypes.text && hasWords(native.data(node)))
+                return false;
+            if (!isElement(node) || kindOf(node, visible) === 'nothing')
+                continue;
+            if (kindOf(node, visible) === 'field' || holdsField(node, visible))
+                return true;
+            if (hasWords(textOf(node)))
+                return false;
+        }
+        return false;
+    }
+
     function cellBefore(field, visible) {
         let cell = blockOf(field);
         if (!cell || !isFirstIn(field, cell, visible))
@@ -199,7 +238,9 @@
             const around = above(cell);
             if (!around)
                 return '';
-            const { text, met } = textBefore(cell, around, visible);
+            const { text, met } = textFor(cell, around, visible);
+            if (text && followsField(cell, visible))
+                return '';
             if (text)
                 return fieldFollows(cell, around, visible) ? '' : text;
             if (met || holdsFieldBehind(cell, around, visible))
