@@ -31,6 +31,7 @@ PageElement read_element(const DocumentId& document, const QJsonObject& shown) {
     element.value = text_of(shown[u"value"]);
     element.src = text_of(shown[u"src"]);
     element.checked = shown[u"checked"].toBool();
+    element.locked = shown[u"locked"].toBool();
     element.label = text_of(shown[u"label"]);
     element.label_from = text_of(shown[u"from"]);
     for (const QJsonValue& option : shown[u"options"].toArray())

@@ -97,6 +97,18 @@ TEST_F(EngineImage, forms_show_their_elements_as_the_engine_reports_them) {
     EXPECT_EQ(page.inputs[0].ref.element, form.elements[0].ref.element);
 }
 
+TEST_F(EngineImage, a_field_that_nobody_can_type_into_is_locked) {
+    server_.page("/", "<form><input name=a><input name=b readonly><textarea name=c disabled></textarea>"
+                      "<fieldset disabled><select name=d><option>x</select></fieldset></form>");
+    const PageForm form = image_of(open(server_.url("/"))).forms.at(0);
+    for (const PageElement& element : form.elements) {
+        if (!element.name.empty()) {
+            EXPECT_EQ(element.locked, element.name != "a") << element.name;
+        }
+    }
+    EXPECT_EQ(form.elements.size(), 5U);
+}
+
 TEST_F(EngineImage, an_input_named_action_hides_the_forms_action) {
     const PageDocument page =
         open_page("<form action=/real><input name=action value=shadow></form><form><input name=x></form>");

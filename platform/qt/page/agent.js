@@ -186,6 +186,8 @@
                 shown.src = text(native.attribute(element, 'src'));
             if (element.checked === true)
                 shown.checked = true;
+            if (element.readOnly === true || native.matches(element, ':disabled'))
+                shown.locked = true;
             if (native.localName(element) === 'select')
                 shown.options = Array.from(element.options, (option) =>
                     [this.number(option), text(option.text), text(option.value), option.selected === true]);

@@ -20,6 +20,7 @@
         elements: getter(HTMLFormElement, 'elements'),
         attribute: method(Element, 'getAttribute'),
         has: method(Element, 'hasAttribute'),
+        matches: method(Element, 'matches'),
         localName: getter(Element, 'localName'),
         namespace: getter(Element, 'namespaceURI'),
         shadowRoot: getter(Element, 'shadowRoot'),
