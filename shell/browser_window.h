@@ -119,6 +119,8 @@ public:
     // Right-click menu (right_click.cpp)
     // Shows which fields the last "Multi-input" filled, and why.
     void show_fill_report();
+    // What the last "Multi-input" in this window decided.
+    [[nodiscard]] const std::optional<FillReport>& last_fill() const { return last_fill_; }
 
     // Pop-up windows (popups.cpp)
     BrowserWindow& OpenPopupWindow();

@@ -9,8 +9,8 @@ namespace {
 
 constexpr std::string_view heading = R"(# Matching figure
 
-What one right-click with "Multi-input" does to the practice forms (practice/forms), in the program's own window on the
-real engine, with one profile for all of them. `kestrune-matching` makes this page; the tests compare every field with the
+What one choice of "Multi-input" does to the practice forms (practice/forms), in the program's own window on the real
+engine, with one profile for all of them. `kestrune-matching` makes this page; the tests compare every field with the
 data beside the forms.
 
 Each field is judged twice: against what the rules of the label table give it, worked out by hand from the page's

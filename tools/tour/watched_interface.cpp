@@ -15,7 +15,7 @@ public:
         window_.BeforeNavigate2(std::move(event));
     }
     void DocumentComplete(PageDocument image) override {
-        reports_.push_back({BrowserReport::Kind::completed, image.url});
+        reports_.push_back({BrowserReport::Kind::completed, image.url, true, image.id});
         window_.DocumentComplete(std::move(image));
     }
     void CommandStateChange(int command, bool enable) override {
@@ -38,6 +38,17 @@ bool WatchedInterface::completed(std::string_view url) const {
     return std::ranges::any_of(reports_, [&](const BrowserReport& report) {
         return report.kind == BrowserReport::Kind::completed && report.url == url;
     });
+}
+
+DocumentId WatchedInterface::completed_document(std::string_view url) const {
+    const auto found = std::find_if(reports_.rbegin(), reports_.rend(), [&](const BrowserReport& report) {
+        return report.kind == BrowserReport::Kind::completed && report.url == url;
+    });
+    return found == reports_.rend() ? "" : found->document;
+}
+
+bool WatchedInterface::ask_for_menu(const DocumentId& document) {
+    return !ears_.empty() && ears_.back()->ContextMenu(document);
 }
 
 std::string WatchedInterface::last_navigation() const {

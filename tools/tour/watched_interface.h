@@ -14,7 +14,8 @@ struct BrowserReport {
     enum class Kind : std::uint8_t { navigating, completed };
     Kind kind = Kind::navigating;
     std::string url;
-    bool top_level = true; // of a navigation
+    bool top_level = true;    // of a navigation
+    DocumentId document = {}; // that completed
 };
 
 // The real user interface with an ear on the browsers of its windows. Everything is passed on as it is.
@@ -32,6 +33,11 @@ public:
     void forget_reports() { reports_.clear(); }
     // Whether a document at this address has completed since the reports were last forgotten.
     [[nodiscard]] bool completed(std::string_view url) const;
+    // The document that completed at this address; the last one, "" when none has.
+    [[nodiscard]] DocumentId completed_document(std::string_view url) const;
+    // Asks the window opened last for its menu, as its browser does when the user right-clicks in the
+    // document.
+    bool ask_for_menu(const DocumentId& document);
     // The address of the top window's last navigation.
     [[nodiscard]] std::string last_navigation() const;
 
