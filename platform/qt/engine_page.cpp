@@ -7,7 +7,9 @@
 #include <QFile>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QPointer>
 #include <QRandomGenerator>
+#include <QVariant>
 #include <QWebEngineCertificateError>
 #include <QWebEngineFileSystemAccessRequest>
 #include <QWebEngineFullScreenRequest>
@@ -82,14 +84,18 @@ QString page_script(const QJsonObject& config) {
 } // namespace
 
 EnginePage::EnginePage(QWebEngineProfile& profile, EnginePageEvents& events)
-    : QWebEnginePage(&profile), events_(events),
-      bridge_([this](PageNotice notice) { events_.heard(std::move(notice)); }),
+    : QWebEnginePage(&profile), events_(events), bridge_([this](PageNotice notice) {
+          begun_ = begun_ || notice.kind == PageNotice::Kind::begin;
+          events_.heard(std::move(notice));
+      }),
       interceptor_(std::make_unique<RequestWatch>(events)), token_(random_token()) {
     channel_.registerObject(script_name(), &bridge_);
     setWebChannel(&channel_, QWebEngineScript::ApplicationWorld);
     setUrlRequestInterceptor(interceptor_.get());
     set_straggler_time(default_straggler_time);
     refuse_requests();
+    connect(this, &QWebEnginePage::loadProgress, this, [this] { make_up_for_a_missing_script(); });
+    connect(this, &QWebEnginePage::loadFinished, this, [this] { make_up_for_a_missing_script(); });
     connect(this, &QWebEnginePage::renderProcessTerminated, this,
             [this](RenderProcessTerminationStatus status, int code) {
                 diagnostics::report("page process ended",
@@ -112,10 +118,25 @@ void EnginePage::set_straggler_time(std::chrono::milliseconds time) {
     script.setWorldId(QWebEngineScript::ApplicationWorld);
     script.setInjectionPoint(QWebEngineScript::DocumentCreation);
     script.setRunsOnSubFrames(true);
-    script.setSourceCode(page_script(config));
+    script_ = page_script(config);
+    script.setSourceCode(script_);
     for (const QWebEngineScript& former : scripts().find(script_name()))
         scripts().remove(former);
     scripts().insert(script);
+}
+
+// Now and then the engine forgets the scripts of a page, mostly when a page of another site follows one that
+// was still loading on a busy machine; without this nothing of such a document would ever be heard. The empty
+// document that a new page starts with has none by rights.
+void EnginePage::make_up_for_a_missing_script() {
+    if (begun_)
+        return;
+    runJavaScript(QStringLiteral("typeof kestrune === 'undefined' && location.protocol !== 'about:'"),
+                  QWebEngineScript::ApplicationWorld,
+                  [self = QPointer<EnginePage>(this)](const QVariant& missing) {
+                      if (self && missing.toBool())
+                          self->runJavaScript(self->script_, QWebEngineScript::ApplicationWorld);
+                  });
 }
 
 bool EnginePage::acceptNavigationRequest(const QUrl& url, NavigationType type, bool top_level) {
@@ -130,6 +151,8 @@ bool EnginePage::acceptNavigationRequest(const QUrl& url, NavigationType type, b
                               .redirect = type == NavigationTypeRedirect,
                               .of_a_form = type == NavigationTypeFormSubmitted,
                               .of_the_page = !by_hand});
+    if (top_level)
+        begun_ = false;
     return true;
 }
 

@@ -63,12 +63,16 @@ protected:
 
 private:
     void refuse_requests();
+    // Starts the page script in the top document when the engine has not.
+    void make_up_for_a_missing_script();
 
     EnginePageEvents& events_;
     EngineBridge bridge_;
     QWebChannel channel_;
     std::unique_ptr<QWebEngineUrlRequestInterceptor> interceptor_;
     QString token_;
+    QString script_;
+    bool begun_ = false; // the page script has reported a document since one was last asked for
 };
 
 } // namespace kestrune

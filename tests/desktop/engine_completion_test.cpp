@@ -1,6 +1,7 @@
 #include "tests/desktop/engine_fixture.h"
 
 #include <QWebEnginePage>
+#include <QWebEngineScriptCollection>
 #include <QWebEngineView>
 
 #include <csignal>
@@ -28,6 +29,22 @@ TEST_F(EngineCompletion, a_page_whose_picture_never_comes_completes_after_the_st
     EXPECT_THAT(link_texts(page), ElementsAre("seen"));
     let_everything_happen();
     EXPECT_EQ(probe_.count("complete " + server_.url("/picture")), 1);
+}
+
+// The engine now and then loses a page's scripts on the way to another site.
+TEST_F(EngineCompletion, a_document_that_the_engine_gave_no_script_completes_all_the_same) {
+    browser_->view().page()->scripts().clear();
+    const PageDocument page = open(server_.url("/two"));
+    EXPECT_THAT(link_texts(page), ElementsAre("two"));
+    let_everything_happen();
+    EXPECT_EQ(probe_.count("complete " + server_.url("/two")), 1);
+}
+
+TEST_F(EngineCompletion, a_document_without_script_whose_picture_never_comes_completes_all_the_same) {
+    browser_->set_straggler_time(std::chrono::milliseconds(200));
+    browser_->view().page()->scripts().clear();
+    const PageDocument page = open(server_.url("/picture"));
+    EXPECT_THAT(link_texts(page), ElementsAre("seen"));
 }
 
 TEST_F(EngineCompletion, before_the_straggler_time_is_over_nothing_completes) {

@@ -25,6 +25,8 @@
             completed();
         else if (native.readyState(document) === 'complete')
             after(complete);
+        else if (native.readyState(document) === 'interactive')
+            setTimeout(complete, config.straggler); // too late to hear that it was parsed
         return { arm, complete };
     }
 
