@@ -46,7 +46,8 @@ public:
     virtual void delete_current() = 0;
 };
 
-// A database engine. Nothing stays open between calls of `open` but the recordsets that the callers hold.
+// A database engine. Nothing stays open but for the recordsets that the callers hold, as far as anybody can
+// see.
 class Database {
 public:
     Database() = default;
