@@ -72,7 +72,7 @@ TEST_F(TwoPrograms, EachWriteChangesTheAddressedRowAndNoOther) {
 // still be lost, hence not every single one is asked for.
 TEST_F(TwoPrograms, MarksAreStoredWhileTheOtherProgramRanks) {
     std::vector<SiteRow> rows;
-    for (int key = 1; key <= 3000; ++key)
+    for (int key = 1; key <= 20000; ++key)
         rows.push_back(site(key, "Site"));
     libraries.create("ranked.mdb", rows);
     std::filesystem::rename(libraries.path("ranked.mdb"), libraries.path(lib));
