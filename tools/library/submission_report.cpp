@@ -14,7 +14,8 @@ namespace {
 constexpr std::string_view style =
     "body{font:11pt/1.4 sans-serif;margin:2em;color:#222}h1{font-size:1.4em}table{border-collapse:collapse;"
     "width:100%}th,td{border-bottom:1px solid #ccc;padding:.3em .6em;text-align:left;vertical-align:top}"
-    "td.note{white-space:pre-wrap}tr{break-inside:avoid}thead{display:table-header-group}a{color:#124a8c}"
+    "td{overflow-wrap:anywhere}td.note{white-space:pre-wrap}tr{break-inside:avoid}thead{display:table-header-"
+    "group}a{color:#124a8c}"
     "@media print{body{margin:0}a{color:inherit;text-decoration:none}}";
 
 struct Line {
