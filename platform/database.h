@@ -46,8 +46,7 @@ public:
     virtual void delete_current() = 0;
 };
 
-// A database engine. Nothing stays open but for the recordsets that the callers hold, as far as anybody can
-// see.
+// A database engine. Nothing is seen to stay open but the recordsets that the callers hold.
 class Database {
 public:
     Database() = default;
