@@ -217,7 +217,8 @@
 
     // Whether what stands before a cell is another field's cell: then the text in it is about that field.
     function followsField(cell, visible) {
-        for (let node = native.previous(cell); node; node = native.previous(node)) {
+        let node = native.previous(cell);
+        for (let steps = limits.look; node && steps > 0; --steps, node = native.previous(node)) {
             if (native.nodeType(node) === nodeTypes.text && hasWords(native.data(node)))
                 return false;
             if (!isElement(node) || kindOf(node, visible) === 'nothing')
