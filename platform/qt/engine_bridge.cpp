@@ -13,13 +13,14 @@ namespace {
 
 constexpr qsizetype longest_notice = 32 << 20; // characters; an address alone may have two million
 
-constexpr std::array<std::pair<const char*, PageNotice::Kind>, 6> kinds = {{
+constexpr std::array<std::pair<const char*, PageNotice::Kind>, 7> kinds = {{
     {"begin", PageNotice::Kind::begin},
     {"frame", PageNotice::Kind::frame},
     {"complete", PageNotice::Kind::complete},
     {"image", PageNotice::Kind::image},
     {"ready", PageNotice::Kind::ready},
     {"submit", PageNotice::Kind::submit},
+    {"menu", PageNotice::Kind::menu},
 }};
 
 std::optional<PageNotice::Kind> kind_of(const QString& name) {
@@ -51,6 +52,8 @@ std::optional<PageNotice> read_notice(const QString& json) {
         if (!notice.submission)
             return std::nullopt;
     }
+    notice.x = object[u"x"].toDouble();
+    notice.y = object[u"y"].toDouble();
     return notice;
 }
 

@@ -13,7 +13,7 @@ namespace kestrune {
 
 // What the top frame's script reports; described on top of page/script.js.
 struct PageNotice {
-    enum class Kind { begin, frame, complete, image, ready, submit };
+    enum class Kind { begin, frame, complete, image, ready, submit, menu };
     Kind kind = Kind::begin;
     DocumentId id;
     std::string url;
@@ -21,6 +21,8 @@ struct PageNotice {
     quint32 request = 0;
     QString text;
     std::optional<FormSubmission> submission = {}; // of "submit", always
+    double x = 0;                                  // CSS pixels
+    double y = 0;
 };
 
 // Nothing when the text is no report.

@@ -1,6 +1,7 @@
 #include "platform/qt/qt_browser.h"
 
 #include "platform/diagnostics.h"
+#include "platform/qt/child_of.h"
 #include "platform/qt/engine_address.h"
 #include "platform/qt/engine_calls.h"
 #include "platform/qt/engine_image.h"
@@ -9,6 +10,7 @@
 #include "platform/qt/engine_page.h"
 #include "platform/qt/engine_profile.h"
 #include "platform/qt/engine_submission.h"
+#include "platform/qt/menu_requests.h"
 
 #include <QAction>
 #include <QEventLoop>
@@ -81,6 +83,7 @@ private:
     std::unique_ptr<EnginePage> page_;
     std::unique_ptr<PageCalls> calls_;
     QPointer<QWebEngineView> view_; // its parent may have deleted it before
+    QPointer<MenuRequests> menus_;  // likewise
     std::optional<bool> back_announced_;
     bool blank_announced_ = false;
     bool asking_ = false;
@@ -98,6 +101,8 @@ QtBrowser::Engine::Engine(QWidget& place, BrowserEvents& events, std::shared_ptr
         place.setLayout(layout.release());
     }
     place.layout()->addWidget(view_);
+    menus_ = &child_of<MenuRequests>(
+        place, *view_, [this](const DocumentId& document) { return events_.ContextMenu(document); });
     connect(page_.get(), &QWebEnginePage::urlChanged, this, [this] { announce_back(); });
     connect(page_.get(), &QWebEnginePage::loadFinished, this, [this] { announce_back(); });
     // The engine's own commands stop a load as well (its context menu).
@@ -108,6 +113,7 @@ QtBrowser::Engine::Engine(QWidget& place, BrowserEvents& events, std::shared_ptr
 
 QtBrowser::Engine::~Engine() {
     calls_->abandon();
+    delete menus_.data();
     delete view_.data();
     if (asking_) {
         // The engine is inside a call of this page.
@@ -238,6 +244,10 @@ void QtBrowser::Engine::heard(PageNotice notice) {
         break;
     case PageNotice::Kind::submit:
         submissions_.reported(std::move(*notice.submission));
+        break;
+    case PageNotice::Kind::menu:
+        if (menus_)
+            menus_->answered(notice);
         break;
     }
 }

@@ -1,6 +1,7 @@
 #include "platform/qt/qt_user_interface.h"
 
 #include "platform/qt/accessibility.h"
+#include "platform/qt/menu_requests.h"
 #include "platform/qt/qt_browser.h"
 #include "platform/qt/qt_dialog.h"
 #include "platform/qt/qt_message_box.h"
@@ -116,8 +117,11 @@ void QtUserInterface::PopupMenu(const MenuItem& menu) {
     const Nested nested{*this};
     QtWindow* const window = shown_window();
     auto* const shown = window == nullptr ? nullptr : window->findChild<QMenu*>(to_qt(menu.Name));
-    if (shown != nullptr)
-        shown->exec(QCursor::pos());
+    if (shown == nullptr)
+        return;
+    const auto* const requests = window->findChild<MenuRequests*>();
+    const auto asked = requests == nullptr ? std::nullopt : requests->menu_place();
+    shown->exec(asked.value_or(QCursor::pos()));
 }
 
 std::string QtUserInterface::OpenFileDialog(std::string_view filter) {

@@ -32,6 +32,11 @@ public:
         return on_new_window ? on_new_window() : nullptr;
     }
 
+    bool ContextMenu(const DocumentId& document) override {
+        menus.push_back(document);
+        return on_menu && on_menu(document);
+    }
+
     [[nodiscard]] int count(const std::string& what) const {
         return static_cast<int>(std::count(told.begin(), told.end(), what));
     }
@@ -57,6 +62,8 @@ public:
     std::vector<PageDocument> completed;
     std::function<void(const PageDocument&)> on_complete;
     std::function<Browser*()> on_new_window;
+    std::vector<DocumentId> menus; // documents that a menu was asked for in
+    std::function<bool(const DocumentId&)> on_menu;
     bool back = false;
 };
 

@@ -15,6 +15,7 @@
     }
 
     const fields = new Set(['input', 'select', 'textarea']);
+    const frames = new Set(['iframe', 'frame', 'object', 'embed']);
 
     function shadowRootsIn(root, found = []) {
         const all = isFragment(root) ? native.queryAllInShadow(root, '*') : native.queryAll(root, '*');
@@ -71,6 +72,46 @@
         return native.namespace(element) === html && fields.has(native.localName(element));
     }
 
+    function nextInner(element, x, y) {
+        const shadow = native.shadowRoot(element);
+        const inner = shadow && native.atInShadow(shadow, x, y);
+        return inner && inner !== element && native.rootNode(inner) === shadow ? inner : null;
+    }
+
+    // The field that an element belongs to, as the field itself, an option of it, or its label.
+    function fieldAt(element) {
+        for (let node = element; node && native.nodeType(node) === 1; node = native.parent(node)) {
+            if (isField(node))
+                return node;
+            if (native.namespace(node) === html && native.localName(node) === 'label') {
+                const field = native.control(node);
+                return field && isField(field) ? field : null;
+            }
+        }
+        return null;
+    }
+
+    // The frame that an element shows, as a place among the window's frames and a box in the window, or null.
+    function frameOf(view, element) {
+        if (!frames.has(native.localName(element)))
+            return null;
+        const inner = element.contentWindow;
+        for (let index = 0; inner && index < view.length; ++index) {
+            if (view[index] !== inner)
+                continue;
+            const box = native.box(element);
+            const style = view.getComputedStyle(element);
+            const across = box.width / element.offsetWidth || 1;
+            const down = box.height / element.offsetHeight || 1;
+            return {
+                index, across, down,
+                left: box.left + (element.clientLeft + parseFloat(style.paddingLeft)) * across,
+                top: box.top + (element.clientTop + parseFloat(style.paddingTop)) * down,
+            };
+        }
+        return null;
+    }
+
     // One document and the elements of it that were shown to the program.
     class Agent {
         constructor(view) {
@@ -124,10 +165,47 @@
 
         // The field that has the focus, or null.
         activeField() {
-            let active = native.active(this.document);
-            while (active && native.shadowRoot(active))
-                active = native.activeInShadow(native.shadowRoot(active));
+            const active = this.deepActive();
             return active && isField(active) ? active : null;
+        }
+
+        deepActive() {
+            let active = native.active(this.document);
+            while (active && native.shadowRoot(active) && native.activeInShadow(native.shadowRoot(active)))
+                active = native.activeInShadow(native.shadowRoot(active));
+            return active;
+        }
+
+        // The field at a point of the window gets the focus, as it would under the mouse. Tells the point, and the
+        // frame when it lies in one.
+        pointAt({ x, y }) {
+            let element = native.at(this.document, x, y);
+            for (let inner = element; inner; inner = nextInner(inner, x, y))
+                element = inner;
+            const frame = element && frameOf(this.view, element);
+            if (frame)
+                return { frame, x: (x - frame.left) / frame.across, y: (y - frame.top) / frame.down };
+            const field = fieldAt(element);
+            if (field && this.deepActive() !== field) {
+                native.focus(field, { preventScroll: true });
+                // One that takes no focus must not leave the menu to another field.
+                const active = this.deepActive();
+                if (active && active !== field && native.namespace(active) === html)
+                    native.blur(active);
+            }
+            return { x, y };
+        }
+
+        // Where what has the focus stands, and the frame when it is in one.
+        focusPlace() {
+            const active = this.deepActive();
+            const frame = active && frameOf(this.view, active);
+            if (frame)
+                return { frame, x: 0, y: 0 };
+            if (!active || !isField(active))
+                return { x: 0, y: 0 };
+            const { left, bottom } = native.box(active);
+            return { x: left, y: bottom };
         }
 
         // Elements stay reachable for as long as the last few images that showed them, and no longer. An image in

@@ -17,6 +17,8 @@
         const carryOut = (ask, value) => {
             if (ask === 'image')
                 return agent.image(value);
+            if (ask === 'pointAt' || ask === 'focusPlace')
+                return agent[ask](value);
             if (ask === 'apply')
                 agent.apply(value);
             else if (ask === 'stop')

@@ -9,6 +9,8 @@
 //   image(id, parts, request)  image of a document as JSON; "" when it comes later by an event; "null" when gone
 //   take(request)              the text that a "ready" event announced
 //   apply(edits)               [{kind, document, element, text}, ...]
+//   menu(point, request)       which document a menu asked for at this point of the window is meant for (null: by key);
+//                              the field there gets the focus
 //   stop()                     the user stopped the load
 // Top frame to program: events over the web channel, each a JSON object
 //   {event: "begin", id, url, error}   a document has taken over the top window; error: the engine's own error page
@@ -17,10 +19,11 @@
 //   {event: "image", request, text}    the late answer to image(), when it is short
 //   {event: "ready", request}          the late answer is there to be taken
 //   {event: "submit", id, form, ...}   a form of the document is about to be sent; see submission.js
+//   {event: "menu", request, id, x, y} the answer to menu(): the document, "" for none, and where the menu belongs
 // Frame to top frame: one window message {token, id, url, error} that carries a port; everything else goes over the
 // port, where page code cannot listen. The token never travels towards a frame.
 //   {event: "complete", url}, {event: "gone"}, {event: "submit", form, ...}, {answer: number, value}
-// Top frame to frame, over the port: {ask: "image" | "apply" | "stop" | "ping", number, value}
+// Top frame to frame, over the port: {ask: "image" | "apply" | "stop" | "ping" | "pointAt" | "focusPlace", number, value}
 //
 // An image is {id, url, tags: [text], links: [[element, text]], forms: [form], inputs: [element], active: element,
 // source, frames: [image]}. A form is {element, id, action, actionInput, elements}; an element {element, type, name,

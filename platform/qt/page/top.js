@@ -187,6 +187,26 @@
             }
         };
 
+        // Follows the wish for a menu into the frame that it is meant for: its document, and the place in this window.
+        async function menuIn(one, ask, point, depth = 0) {
+            const place = one instanceof Remote ? await one.ask(ask, point) : one[ask](point);
+            if (!place)
+                return null;
+            const { frame, x, y } = place;
+            if (!frame)
+                return { id: one.id, x, y };
+            const inner = depth < limits.depth ? agentOf(one.view[frame.index]) : null;
+            if (!inner || inner.error)
+                return { id: one.id, x: frame.left, y: frame.top };
+            const found = await menuIn(inner, ask, { x, y }, depth + 1);
+            return found && { id: found.id, x: frame.left + found.x * frame.across, y: frame.top + found.y * frame.down };
+        }
+        ours.menu = (point, request) => {
+            const none = { id: '', x: 0, y: 0 };
+            menuIn(agent, point ? 'pointAt' : 'focusPlace', point).catch(() => none).then((found) =>
+                tell({ event: 'menu', request, ...(found || none) }));
+        };
+
         const watching = watch(agent, () => announce(agent));
         ours.stop = () => {
             stoppedAt = performance.now();
