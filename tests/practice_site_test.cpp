@@ -267,10 +267,38 @@ TEST(PracticeSites, ThoseInTheTreeAreSoundAndHaveNamesAndRanksOfTheirOwn) {
         EXPECT_TRUE(descriptions.insert(site.description).second) << site.name;
         if (!site.left_out.empty())
             continue;
-        EXPECT_TRUE(ranks.insert(site.referral).second) << site.name << " ties with another in the queue";
+        EXPECT_TRUE(!site.recording.steps.empty() || ranks.insert(site.referral).second)
+            << site.name << " ties with another in the queue";
         const bool redirected = !site.behaviour(site.home).redirect.empty();
         EXPECT_TRUE(!site.served || redirected || page_file(site.folder, site.home)) << site.name;
     }
+}
+
+TEST(PracticeSite, HandStepsAreReadAsDeedsInOrder) {
+    const Site site = parse_site("a",
+                                 "description = A\nhand = /x | click 3 40; type a b; tab\nhand = /y | enter\n"
+                                 "replayed = 1\ndiffers = a rule\nanswer-at-title = T\n",
+                                 "site.txt");
+    const Recording& recording = site.recording;
+    ASSERT_EQ(recording.steps.size(), 2U);
+    EXPECT_EQ(recording.steps[0].page, "/x");
+    ASSERT_EQ(recording.steps[0].deeds.size(), 3U);
+    EXPECT_EQ(recording.steps[0].deeds[0].kind, HandStep::Deed::Kind::click);
+    EXPECT_EQ(recording.steps[0].deeds[0].x, 3);
+    EXPECT_EQ(recording.steps[0].deeds[0].y, 40);
+    EXPECT_EQ(recording.steps[0].deeds[1].text, "a b");
+    EXPECT_EQ(recording.steps[0].deeds[2].text, "tab");
+    EXPECT_EQ(recording.steps[1].deeds.at(0).text, "enter");
+    EXPECT_EQ(recording.replayed, 1U);
+    EXPECT_EQ(recording.differs, "a rule");
+    EXPECT_EQ(recording.answer_at_title, "T");
+}
+
+TEST(PracticeSite, HandStepWithAnUnknownDeedOrWithoutAPageIsRefused) {
+    for (const char* step : {"/ | jump", "/ | click 3", "/ | type", "click 3 4", "x | tab"})
+        EXPECT_THROW(parse_site("a", std::string("description = A\nhand = ") + step, "site.txt"),
+                     SiteFileError)
+            << step;
 }
 
 } // namespace

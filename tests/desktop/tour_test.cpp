@@ -1,3 +1,4 @@
+#include "tools/tour/recording.h"
 #include "tools/tour/report.h"
 #include "tools/tour/tour.h"
 
@@ -10,6 +11,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <memory>
 
 namespace kestrune::tour {
 namespace {
@@ -127,6 +129,61 @@ TEST_F(TourOfOneSite, EveryVisitUpToTheLastMarkIsPlayed) {
     ASSERT_EQ(visits.size(), 3U);
     for (const Visit& visit : visits)
         EXPECT_THAT(visit.problems, IsEmpty());
+}
+
+constexpr auto recorded_form =
+    R"(<style>body, form { margin: 0 } input { display: block; width: 200px }</style>
+<form action="/take.html" method="post"><input name="a"><input type="submit" name="go" value="Send"></form>
+<p>words</p>)";
+
+// One site that is submitted by hand, recorded and played back.
+class RecordingOfOneSite : public TourOfOneSite {
+protected:
+    std::vector<Replayed> recorded(const std::string& site_file,
+                                   std::chrono::milliseconds patience = drive::patience) {
+        write("sites/a/site.txt", site_file);
+        write("sites/a/index.html", recorded_form);
+        write("sites/a/take.html", "thanks");
+        std::filesystem::create_directories(root() / "program");
+        server_ = std::make_unique<practice::PracticeServer>(practice::load_sites(root() / "sites"));
+        QtUserInterface ui;
+        RecordingTour tour(ui, *server_, root() / "program");
+        tour.set_patience(patience);
+        return tour.play();
+    }
+
+private:
+    std::unique_ptr<practice::PracticeServer> server_; // the visits point into it
+};
+
+TEST_F(RecordingOfOneSite, FormIsSentByHandAndPlayedBackTheSame) {
+    const auto visits = recorded("description = A\nhand = / | click 20 10; type x y; enter\n");
+    ASSERT_EQ(visits.size(), 1U);
+    EXPECT_THAT(visits[0].problems, IsEmpty());
+    ASSERT_EQ(visits[0].by_hand.size(), 1U);
+    EXPECT_EQ(visits[0].by_hand[0].body, "a=x+y&go=Send");
+    EXPECT_TRUE(visits[0].same());
+    EXPECT_THAT(fidelity_table(visits), HasSubstr("1 of 1 sites sent the same both times."));
+}
+
+TEST_F(RecordingOfOneSite, RequestsThatDifferWithoutARuleAreAProblem) {
+    const auto visits = recorded("description = A\nhand = / | click 20 10; type C++; enter\n");
+    ASSERT_EQ(visits.size(), 1U);
+    EXPECT_EQ(visits[0].replayed.at(0).body, "a=C++&go=Send");
+    EXPECT_THAT(visits[0].problems, Contains("the requests differ"));
+}
+
+TEST_F(RecordingOfOneSite, RequestsThatAreTheSameAgainstTheFileAreAProblem) {
+    const auto visits =
+        recorded("description = A\nhand = / | click 20 10; type x; enter\ndiffers = a rule\n");
+    ASSERT_EQ(visits.size(), 1U);
+    EXPECT_THAT(visits[0].problems, Contains("the requests are the same though its file says why not"));
+}
+
+TEST_F(RecordingOfOneSite, SubmissionThatDoesNotComeIsAProblem) {
+    const auto visits = recorded("description = A\nhand = / | click 20 10; type x\n", in_vain);
+    ASSERT_EQ(visits.size(), 1U);
+    EXPECT_THAT(visits[0].problems, Contains(HasSubstr("in vain for the submission by hand")));
 }
 
 } // namespace

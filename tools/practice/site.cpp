@@ -65,7 +65,7 @@ private:
         if (const auto [before, fresh] = seen_.emplace(key, line_); !fresh)
             fail("\"" + std::string(key) + "\" stands on line " + std::to_string(before->second) +
                  " already");
-        if (!take_row(key, value) && !take_outcome(key, value))
+        if (!take_row(key, value) && !take_outcome(key, value) && !take_recording(key, value))
             fail("unknown key \"" + std::string(key) + "\"");
     }
 
@@ -78,6 +78,8 @@ private:
             site_.expected.status.emplace_back(value);
         else if (key == "question")
             site_.expected.questions.push_back(question(value));
+        else if (key == "hand")
+            site_.recording.steps.push_back(hand_step(value));
         else
             return false;
         return true;
@@ -98,6 +100,19 @@ private:
             site_.served = yes_no(value);
         else if (key == "leave-out")
             site_.left_out = value;
+        else
+            return false;
+        return true;
+    }
+
+    bool take_recording(std::string_view key, std::string_view value) {
+        Recording& recording = site_.recording;
+        if (key == "replayed")
+            recording.replayed = static_cast<std::size_t>(number(value));
+        else if (key == "differs")
+            recording.differs = value;
+        else if (key == "answer-at-title")
+            recording.answer_at_title = value;
         else
             return false;
         return true;
@@ -216,6 +231,40 @@ private:
         return result;
     }
 
+    [[nodiscard]] HandStep hand_step(std::string_view value) const {
+        const auto bar = value.find('|');
+        if (bar == std::string_view::npos)
+            fail("\"PATH | DEED; DEED ...\" is wanted, not \"" + std::string(value) + "\"");
+        HandStep step{path(trimmed(value.substr(0, bar))), {}};
+        for (std::string_view rest = value.substr(bar + 1); !rest.empty();) {
+            const auto end = std::min(rest.find(';'), rest.size());
+            step.deeds.push_back(deed(trimmed(rest.substr(0, end))));
+            rest.remove_prefix(std::min(end + 1, rest.size()));
+        }
+        return step;
+    }
+
+    [[nodiscard]] HandStep::Deed deed(std::string_view text) const {
+        using Kind = HandStep::Deed::Kind;
+        const auto space = text.find(' ');
+        const std::string_view word = text.substr(0, space);
+        const std::string_view rest = space == std::string_view::npos ? "" : text.substr(space + 1);
+        constexpr std::array<std::string_view, 4> keys{"tab", "space", "enter", "down"};
+        if (std::ranges::find(keys, text) != keys.end())
+            return {Kind::press, 0, 0, std::string(text)};
+        if (word == "type" && !rest.empty())
+            return {Kind::type, 0, 0, std::string(rest)};
+        const auto between = rest.find(' ');
+        if (word != "click" || between == std::string_view::npos)
+            fail("\"" + std::string(text) +
+                 "\" is no deed; they are \"click X Y\", \"type TEXT\", \"tab\", \"space\", \"enter\" and "
+                 "\"down\"");
+        return {Kind::click,
+                static_cast<int>(number(rest.substr(0, between))),
+                static_cast<int>(number(rest.substr(between + 1))),
+                {}};
+    }
+
     [[nodiscard]] std::vector<std::string> marks(std::string_view value) const {
         std::vector<std::string> result;
         for (;;) {
@@ -235,7 +284,7 @@ private:
 
     void check_whole() const {
         require("description");
-        if (!site_.left_out.empty())
+        if (!site_.left_out.empty() || !site_.recording.steps.empty())
             return;
         for (const std::string_view key : {"link", "ends-at", "mark"})
             require(key);

@@ -61,6 +61,28 @@ struct Expectation {
     std::string note;
 };
 
+// A form that the user submits by hand: where it stands, and what the user does there, in order.
+struct HandStep {
+    std::string page; // path
+    struct Deed {
+        enum class Kind : std::uint8_t { click, type, press };
+        Kind kind = Kind::press;
+        int x = 0; // of a click, in the page, device-independent pixels
+        int y = 0;
+        std::string text; // what is typed, or the key that is pressed: "tab", "space", "enter" or "down"
+    };
+    std::vector<Deed> deeds;
+};
+
+// A site that is submitted by hand while the program records, and then played back.
+struct Recording {
+    std::vector<HandStep> steps;
+    std::optional<std::size_t> replayed; // number of submissions when it is played back; as many as by hand
+    std::string differs;                 // the rule that makes the second requests differ; empty: they do not
+    // The question before the filling is asked, and answered when the page has this title; empty: not asked.
+    std::string answer_at_title;
+};
+
 // One practice site: a folder of pages with the file site.txt, whose format is told in practice/README.md.
 struct Site {
     std::string name; // of the folder
@@ -74,6 +96,7 @@ struct Site {
     bool served = true;     // false: the address refuses every connection
     std::string left_out;   // why the tour does not play it; empty: it does
     Expectation expected;
+    Recording recording; // with steps: the queue leaves the site out, it is recorded instead
     std::map<std::string, Behaviour, std::less<>> behaviours; // by path; "*" is every path
 
     // Both the path's own behaviour and that of "*"; the path's own goes first.

@@ -57,7 +57,7 @@ Tour::~Tour() { server_.log().set_listener(nullptr); }
 void Tour::make_library() {
     std::vector<SiteRow> rows;
     for (const Site& site : server_.sites()) {
-        if (!site.left_out.empty())
+        if (!site.left_out.empty() || !site.recording.steps.empty())
             continue;
         SiteRow row;
         row.padkey = static_cast<std::int32_t>(rows.size()) + 1;
