@@ -13,6 +13,7 @@
 #include <QPlainTextEdit>
 #include <QRadioButton>
 #include <QScreen>
+#include <QShortcut>
 #include <QTabBar>
 
 #include <algorithm>
@@ -34,6 +35,14 @@ QString without_colon(std::string_view label) {
     if (name.endsWith(u':'))
         name.chop(1);
     return name;
+}
+
+// Whether the box would do something with an undo right now.
+bool can_undo(const QObject& box) {
+    if (const auto* const line = qobject_cast<const QLineEdit*>(&box))
+        return line->isUndoAvailable();
+    const auto* const area = qobject_cast<const QPlainTextEdit*>(&box);
+    return area != nullptr && area->document()->isUndoAvailable();
 }
 
 QFormLayout& form_layout(QWidget& owner) {
@@ -155,16 +164,38 @@ void QtDialog::add_row(QFormLayout& rows, const Form::Row& row, DialogPages* pag
     FittedLabel& label = add_label(*rows.parentWidget(), row, field);
     if (note == nullptr)
         label.setContentsMargins(0, 3, 0, 3);
-    if (dynamic_cast<QLineEdit*>(&field) != nullptr)
+    if (dynamic_cast<QLineEdit*>(&field) != nullptr && row.Hint == nullptr)
         label.setMinimumHeight(field.sizeHint().height());
     else // beside the first of several lines
         label.setAlignment(Qt::AlignLeft | Qt::AlignTop);
     if (pages != nullptr)
         pages->add_label(label);
     else
-        label.setMinimumWidth(std::min(label.sizeHint().width(), widest_label));
+        labels_.push_back(&label);
     label.setMaximumWidth(widest_label);
-    rows.addRow(&label, &field);
+    rows.addRow(&label, &with_hint(row, field));
+}
+
+QWidget& QtDialog::with_hint(const Form::Row& row, QWidget& field) {
+    if (row.Hint == nullptr)
+        return field;
+    auto& both = child_of<QWidget>(*field.parentWidget());
+    auto& column = child_of<QVBoxLayout>(both);
+    column.setContentsMargins(0, 0, 0, 0);
+    column.setSpacing(2);
+    column.addWidget(&field);
+    auto& hint = child_of<WrappedLabel>(both);
+    hint.setObjectName(to_qt(row.Hint->Name));
+    hint.set_preferred_width(narrowest_field);
+    QFont small = hint.font();
+    small.setPixelSize(std::max(10, QFontInfo(small).pixelSize() * 5 / 6));
+    hint.setFont(small);
+    column.addWidget(&hint);
+    controls_.bindings().observe(*row.Hint, [text = row.Hint, &hint, &field] {
+        hint.setText(to_qt(text->Caption.get()));
+        field.setAccessibleDescription(hint.text());
+    });
+    return both;
 }
 
 FittedLabel& QtDialog::add_label(QWidget& parent, const Form::Row& row, QWidget& field) {
@@ -184,6 +215,11 @@ FittedLabel& QtDialog::add_label(QWidget& parent, const Form::Row& row, QWidget&
 }
 
 void QtDialog::align_labels() {
+    int widest = 0;
+    for (const FittedLabel* label : labels_)
+        widest = std::max(widest, label->sizeHint().width());
+    for (FittedLabel* label : labels_)
+        label->setMinimumWidth(std::min(widest, widest_label));
     for (DialogPages* pages : pages_)
         pages->align_labels(widest_label);
 }
@@ -195,12 +231,40 @@ void QtDialog::add_buttons(QVBoxLayout& column) {
         QWidget& made = controls_.add(*button, *this);
         made.setMinimumSize(std::max(88, made.sizeHint().width() + 12), 30);
         row->addWidget(&made);
+        add_shortcut(*button);
         if (button == form_.Default) {
             if (auto* const default_button = dynamic_cast<QPushButton*>(&made))
                 default_button->setDefault(true);
         }
     }
     column.addLayout(row.release());
+}
+
+void QtDialog::add_shortcut(Button& button) {
+    if (button.Shortcut.empty())
+        return;
+    auto& key = child_of<QShortcut>(*this);
+    key.setKey(QKeySequence(to_qt(button.Shortcut), QKeySequence::PortableText));
+    connect(&key, &QShortcut::activated, controls_.bindings().context(), [&button] { button.press(); });
+    if (shortcuts_.empty()) {
+        for (QWidget* box : findChildren<QWidget*>())
+            box->installEventFilter(this);
+    }
+    shortcuts_.push_back(key.key());
+}
+
+// Text boxes claim the key of "undo" also when they have nothing to undo.
+bool QtDialog::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() != QEvent::ShortcutOverride)
+        return QDialog::eventFilter(watched, event);
+    const auto& key = *static_cast<QKeyEvent*>(event);
+    const bool undo = key.matches(QKeySequence::Undo) && !can_undo(*watched);
+    const bool ours = std::find(shortcuts_.begin(), shortcuts_.end(), QKeySequence(key.keyCombination())) !=
+                      shortcuts_.end();
+    if (!undo || !ours)
+        return QDialog::eventFilter(watched, event);
+    event->ignore();
+    return true;
 }
 
 void QtDialog::place(QSize content) {

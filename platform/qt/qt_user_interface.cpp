@@ -129,7 +129,8 @@ std::string QtUserInterface::OpenFileDialog(std::string_view filter) {
     QFileDialog dialog;
     dialog.setObjectName(QStringLiteral("OpenFileDialog"));
     dialog.setAcceptMode(QFileDialog::AcceptOpen);
-    dialog.setFileMode(QFileDialog::ExistingFile);
+    // A name that was typed is handed over as it is: whoever asked says what is wrong with it.
+    dialog.setFileMode(QFileDialog::AnyFile);
     dialog.setNameFilters(name_filters(filter));
     stand_above_window(dialog);
     if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty())
