@@ -78,7 +78,8 @@
         return {
             url: url.href, post, enctype, charset: charsetOf(agent.document, form),
             frame: targetOf(agent.document, form, submitter),
-            headers: (post ? 'Content-Type: ' + enctype + '\r\n' : '') + (referrer ? 'Referer: ' + referrer + '\r\n' : ''),
+            headers: (post ? 'Content-Type: ' + enctype + '\r\n' : '') +
+                (referrer ? 'Referer: ' + referrer + '\r\n' : ''),
         };
     }
 
