@@ -254,6 +254,17 @@ TEST_F(EngineSubmission, a_multipart_form_is_told_as_the_pairs_of_its_texts) {
     EXPECT_EQ(event.headers, "Content-Type: multipart/form-data\r\nReferer: " + page.url + "\r\n");
 }
 
+TEST_F(EngineSubmission, a_post_too_large_to_be_told_is_sent_all_the_same_and_announced_without_its_data) {
+    const PageDocument page = open_page(
+        "<form action=/take method=post enctype=text/plain><input type=hidden name=a><button value=send>"
+        "</button></form><script>document.forms[0].elements.a.value = 'x'.repeat(5 << 20)</script>");
+    press(page, "send");
+    const NavigateEvent event = event_of();
+    EXPECT_EQ(event.postdata, "");
+    EXPECT_TRUE(event.submitted.id.empty());
+    EXPECT_EQ(received().body.size(), (5U << 20) + 4);
+}
+
 TEST_F(EngineSubmission, a_redirect_of_a_submission_is_not_told_again) {
     server_.page("/thanks", "thanks");
     server_.redirect("/take", "/thanks");
