@@ -48,7 +48,7 @@ TEST_F(EngineSubmission, get_tells_the_document_and_where_it_came_from_and_posts
 
 TEST_F(EngineSubmission, enter_submits_by_the_first_button) {
     open_page("<form action=/take method=post><input name=a value=1 autofocus><button name=first value=1>"
-              "</button><button name=second value=2></button></form>");
+              "</button><button name=second value=2></button></form>words");
     browser_->view().setFocus();
     press_key(Qt::Key_Return);
     const NavigateEvent event = event_of();
@@ -57,7 +57,7 @@ TEST_F(EngineSubmission, enter_submits_by_the_first_button) {
 }
 
 TEST_F(EngineSubmission, enter_submits_a_form_without_a_button) {
-    open_page("<form action=/take method=post><input name=a value=1 autofocus></form>");
+    open_page("<form action=/take method=post><input name=a value=1 autofocus></form>words");
     browser_->view().setFocus();
     press_key(Qt::Key_Return);
     const NavigateEvent event = event_of();
@@ -69,7 +69,7 @@ TEST_F(EngineSubmission, an_image_button_tells_where_it_was_pressed) {
     open_page(
         "<form action=/take method=post><input type=image name=map width=100 height=100 "
         "style='position:fixed;left:0;top:0' src='data:image/gif;base64,R0lGODlhAQABAAAAACH5BAEKAAEALAAAAAAB"
-        "AAEAAAICTAEAOw=='></form>");
+        "AAEAAAICTAEAOw=='></form>words");
     ASSERT_TRUE(wait_until_painted(browser_->view()));
     QTest::mouseClick(browser_->view().focusProxy(), Qt::LeftButton, {}, QPoint(40, 30));
     const NavigateEvent event = event_of();

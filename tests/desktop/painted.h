@@ -10,7 +10,9 @@
 
 namespace kestrune {
 
-// Waits until the page that is showing has been painted: before that the engine drops what the mouse does.
+// Waits until the page that is showing has been painted: before that the engine drops what
+// the mouse and the keys do. A page with nothing to be read on it counts as painted only after half a second,
+// so give it a word.
 inline bool wait_until_painted(QWebEngineView& view) {
     // Counts the frames that the page has begun since it was first asked; in a world the page cannot see.
     constexpr auto painted_frames = R"((() => {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "tests/desktop/engine_fixture.h"
+#include "tests/desktop/painted.h"
 
 #include <QTest>
 #include <QWebEngineView>
@@ -33,7 +34,10 @@ protected:
         }
         FAIL() << "no button " << value;
     }
-    void press_key(Qt::Key key) { QTest::keyClick(browser_->view().focusProxy(), key); }
+    void press_key(Qt::Key key) {
+        EXPECT_TRUE(wait_until_painted(browser_->view()));
+        QTest::keyClick(browser_->view().focusProxy(), key);
+    }
 
     // The event of the navigation to the path, which must be the only one, after the server got the request.
     NavigateEvent event_of(const std::string& path = "/take") {
