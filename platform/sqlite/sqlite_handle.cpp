@@ -8,9 +8,9 @@
 namespace kestrune {
 namespace {
 
-// Long enough for another program's single write, short enough not to be felt as a hang. Looking again often
-// finds the short pauses of a program that writes row after row (sqlite_recordset.cpp).
-constexpr int most_looks_again = 250;
+// About a second: longer than a program that writes row after row keeps the file (sqlite_recordset.cpp),
+// because a mark that gives up is lost. Looking again often finds that program's short pauses.
+constexpr int most_looks_again = 1000;
 constexpr std::chrono::milliseconds between_looks{1};
 
 int look_again(void* /*context*/, int looks) {

@@ -11,6 +11,8 @@ namespace kestrune {
 namespace {
 
 constexpr std::chrono::milliseconds shortest_group{100};
+// Another program waits a second for its turn (sqlite_handle.cpp).
+constexpr std::chrono::milliseconds longest_group{500};
 // Longer than the pauses of a program that waits for the file (sqlite_handle.cpp).
 constexpr std::chrono::milliseconds between_groups{3};
 // In KiB. Pages of a group that do not fit are written again and again, so there is room for a million sites.
@@ -226,7 +228,8 @@ void SqliteRecordset::begin_group() {
 }
 
 bool SqliteRecordset::group_is_due() const {
-    return Clock::now() - group_began_ >= std::max<Clock::duration>(shortest_group, 8 * storing_);
+    return Clock::now() - group_began_ >=
+           std::clamp<Clock::duration>(8 * storing_, shortest_group, longest_group);
 }
 
 void SqliteRecordset::store_held_back() {
