@@ -19,6 +19,9 @@ std::string action_of(const PageDocument& document, const PageForm& form) {
     if (form.id.empty())
         return form.action_input;
     std::string action = GetFormTagAction(document.form_tags, form.id);
+    // Today's engines write every attribute of a page's source in quotes.
+    if (action.empty())
+        action = GetFormTagAction(document.form_tags, '"' + form.id + '"');
     return action.empty() ? form.action : action;
 }
 

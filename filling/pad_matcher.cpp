@@ -32,6 +32,18 @@ bool any_part(std::string_view text, char separator, const Use& use) {
     }
 }
 
+// The text is in lower case.
+bool matches_all(const std::string& lowered, std::string_view alternative) {
+    bool any_word = false;
+    const bool missing = any_part(alternative, '&', [&](std::string_view word) {
+        if (word.find_first_not_of(' ') == std::string_view::npos)
+            return false;
+        any_word = true;
+        return lowered.find(lower_case(word)) == std::string::npos;
+    });
+    return any_word && !missing;
+}
+
 bool is_fillable(const PageElement& element) {
     const std::string type = lower_case(element.type);
     return type == "text" || type == "textarea" || type == "select-one";
@@ -121,20 +133,13 @@ void fill(LivePage& page, PageElement& element, const FrmPreference& profile, Fi
 } // namespace
 
 bool MatchAny(std::string_view text, std::string_view pattern) {
+    const std::string lowered = lower_case(text);
     return any_part(pattern, '|',
-                    [text](std::string_view alternative) { return MatchAll(text, alternative); });
+                    [&lowered](std::string_view alternative) { return matches_all(lowered, alternative); });
 }
 
 bool MatchAll(std::string_view text, std::string_view alternative) {
-    const std::string lowered = lower_case(text);
-    bool any_word = false;
-    const bool missing = any_part(alternative, '&', [&](std::string_view word) {
-        if (word.find_first_not_of(' ') == std::string_view::npos)
-            return false;
-        any_word = true;
-        return lowered.find(lower_case(word)) == std::string::npos;
-    });
-    return any_word && !missing;
+    return matches_all(lower_case(text), alternative);
 }
 
 // The order is the design: two words before the single ones they contain, catch-alls late, and the megabytes

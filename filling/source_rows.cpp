@@ -122,6 +122,7 @@ private:
             cell.column = row.cells.back().column + row.cells.back().span;
         row.cells.push_back(cell);
         open_.back().cell = true;
+        open_cells_.push_back(open_.back().row);
     }
 
     void close_cell() {
@@ -132,6 +133,7 @@ private:
         cell.fields = fields_ - cell.fields;
         cell.checks = checks_ - cell.checks;
         open_.back().cell = false;
+        open_cells_.pop_back();
     }
 
     void take_element(const SourcePiece& piece) {
@@ -162,11 +164,9 @@ private:
         field.name = lower_case(tag_attribute(piece.text, "name"));
         field.token = rows_.tokens.size() - 1;
         field.form = form_;
-        const auto inner =
-            std::find_if(open_.rbegin(), open_.rend(), [](const OpenTable& table) { return table.cell; });
-        if (inner != open_.rend()) {
-            field.row = inner->row;
-            field.cell = rows_.rows[inner->row].cells.size() - 1;
+        if (!open_cells_.empty()) {
+            field.row = open_cells_.back();
+            field.cell = rows_.rows[field.row].cells.size() - 1;
         }
         if (!field.name.empty())
             rows_.fields.push_back(std::move(field));
@@ -174,6 +174,7 @@ private:
 
     SourceRows& rows_;
     std::vector<OpenTable> open_;
+    std::vector<std::size_t> open_cells_; // rows whose last cell is open, the innermost last
     std::size_t form_ = no_index;
     std::size_t fields_ = 0;
     std::size_t checks_ = 0;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstring>
 
 namespace kestrune {
 namespace {
@@ -14,10 +15,21 @@ constexpr std::array<char16_t, 32> high_controls{
 
 unsigned char byte_at(std::string_view text, std::size_t at) { return static_cast<unsigned char>(text[at]); }
 
-bool is_ascii(std::string_view text) {
-    return std::all_of(text.begin(), text.end(),
-                       [](char byte) { return static_cast<unsigned char>(byte) < 0x80; });
+// Position of the first byte at or after `at` that is no ASCII; eight at a time, because most text is.
+std::size_t ascii_end(std::string_view text, std::size_t at) {
+    constexpr std::uint64_t high_bits = 0x8080808080808080U;
+    std::uint64_t eight = 0;
+    for (; at + sizeof eight <= text.size(); at += sizeof eight) {
+        std::memcpy(&eight, text.data() + at, sizeof eight);
+        if ((eight & high_bits) != 0)
+            break;
+    }
+    while (at < text.size() && byte_at(text, at) < 0x80)
+        ++at;
+    return at;
 }
+
+bool is_ascii(std::string_view text) { return ascii_end(text, 0) == text.size(); }
 
 // Length of the well-formed sequence at `at`, 0 when there is none. Overlong forms, surrogates and codes
 // beyond U+10FFFF are not well-formed: accepting them would make two spellings of one text.
@@ -56,7 +68,7 @@ char16_t code_of(std::string_view character) {
 } // namespace
 
 bool is_utf8(std::string_view bytes) {
-    for (std::size_t at = 0; at < bytes.size();) {
+    for (std::size_t at = ascii_end(bytes, 0); at < bytes.size(); at = ascii_end(bytes, at)) {
         const std::size_t length = sequence_length(bytes, at);
         if (length == 0)
             return false;

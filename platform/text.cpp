@@ -98,7 +98,17 @@ std::string lower_case(std::string_view text) {
 }
 
 bool equal_ignoring_case(std::string_view left, std::string_view right) {
-    return left == right || lower_case(left) == lower_case(right);
+    if (left == right)
+        return true;
+    const auto ascii = [](char letter) { return static_cast<unsigned char>(letter) < 0x80; };
+    const std::size_t shorter = std::min(left.size(), right.size());
+    std::size_t at = 0;
+    for (; at < shorter && ascii(left[at]) && ascii(right[at]); ++at) {
+        if (lower_ascii(left[at]) != lower_ascii(right[at]))
+            return false;
+    }
+    // Outside ASCII letters of both cases may differ in length.
+    return lower_case(left.substr(at)) == lower_case(right.substr(at));
 }
 
 std::size_t find_ignoring_ascii_case(std::string_view text, std::string_view what, std::size_t from) {

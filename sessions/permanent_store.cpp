@@ -20,9 +20,15 @@ bool name_fits(std::string_view file_name, const RecordSession& record) {
 } // namespace
 
 struct PermanentStore::Load {
+    explicit Load(const RecordFiles& record_files)
+        : names(record_files.names()), files(record_files.sequence(names)) {
+        items.reserve(names.size());
+    }
+
     std::vector<std::string> names;
+    std::unique_ptr<FileSequence> files; // of the names from `next` on
     std::size_t next = 0;
-    std::vector<RecordSession> records;
+    std::vector<ListItem> items;
 };
 
 PermanentStore::PermanentStore(RecordPanel panel, RecordFiles& files, SiteLibrary& library, UserInterface& ui,
@@ -41,8 +47,7 @@ void PermanentStore::LoadPermanentSession() {
     files_.prepare();
     panel_.lvwPermanent.clear();
     panel_.counters.glngNoOfPermanentRecord = 0;
-    loading_ = std::make_shared<Load>();
-    loading_->names = files_.names();
+    loading_ = std::make_shared<Load>(files_);
     read_files(files_per_slice);
 }
 
@@ -61,21 +66,11 @@ void PermanentStore::continue_later() {
 void PermanentStore::read_files(std::size_t most) {
     Load& load = *loading_;
     const std::size_t end = load.next + std::min(most, load.names.size() - load.next);
-    for (; load.next < end; ++load.next) {
-        const std::string& name = load.names[load.next];
-        const auto text = files_.text(name);
-        if (!text)
-            continue;
-        RecordSession record;
-        ParseSessionXml(*text, record);
-        if (record.Type == type_preference) {
-            if (read_preference_)
-                read_preference_(*text);
-        } else if (name_fits(name, record)) {
-            load.records.push_back(std::move(record));
-        } else {
-            files_.put_away(name);
-        }
+    while (load.next < end) {
+        std::string text;
+        if (TextOfFile(load.files->next(), text))
+            read_file(load.names[load.next], text);
+        ++load.next;
     }
     if (load.next == load.names.size())
         finish_loading();
@@ -83,11 +78,25 @@ void PermanentStore::read_files(std::size_t most) {
         continue_later();
 }
 
+void PermanentStore::read_file(const std::string& name, std::string_view text) {
+    RecordSession record;
+    ParseSessionXml(text, record);
+    if (record.Type == type_preference) {
+        if (read_preference_)
+            read_preference_(text);
+    } else if (name_fits(name, record)) {
+        std::string key = UrlToRecordKey(record.Url);
+        loading_->items.push_back(ItemOf(std::move(key), std::move(record)));
+    } else {
+        files_.put_away(name);
+    }
+}
+
 void PermanentStore::finish_loading() {
     const auto load = std::exchange(loading_, nullptr);
     const ListView::Bulk bulk{panel_.lvwPermanent};
-    for (const RecordSession& record : load->records) {
-        if (AddRecordToList(panel_.lvwPermanent, record))
+    for (ListItem& item : load->items) {
+        if (panel_.lvwPermanent.add(std::move(item)))
             ++panel_.counters.glngNoOfPermanentRecord;
     }
 }

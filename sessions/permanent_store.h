@@ -7,6 +7,7 @@
 
 #include <functional>
 #include <memory>
+#include <string>
 #include <string_view>
 
 namespace kestrune {
@@ -53,6 +54,7 @@ private:
 
     void continue_later();
     void read_files(std::size_t most);
+    void read_file(const std::string& name, std::string_view text);
     void finish_loading();
     [[nodiscard]] bool may_replace(const RecordSession& record);
     [[nodiscard]] bool may_delete_from(const ListView& list);

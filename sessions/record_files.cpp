@@ -51,31 +51,18 @@ void RecordFiles::prepare() {
 }
 
 std::vector<std::string> RecordFiles::names() const {
-    std::vector<std::string> found;
-    auto entries = files_.list(session_);
-    if (!entries)
-        return found;
-    for (FileEntry& entry : *entries) {
-        if (entry.size > 0 && is_xml(entry.name))
-            found.push_back(std::move(entry.name));
-    }
+    auto found = files_.list(session_).value_or(std::vector<std::string>{});
+    std::erase_if(found, [](const std::string& name) { return !is_xml(name); });
     std::sort(found.begin(), found.end());
     return found;
 }
 
-std::optional<std::string> RecordFiles::text(std::string_view name) const {
-    std::string text;
-    if (!ReadTextFile(files_, session_path(name), text))
-        return std::nullopt;
-    return text;
-}
-
 std::optional<RecordSession> RecordFiles::record_for(std::string_view url) const {
-    const auto found = text(file_name_of(url));
-    if (!found)
+    std::string text;
+    if (!ReadTextFile(files_, session_path(file_name_of(url)), text))
         return std::nullopt;
     RecordSession record;
-    ParseSessionXml(*found, record);
+    ParseSessionXml(text, record);
     if (record.Type == type_preference)
         return std::nullopt;
     return record;

@@ -3,9 +3,11 @@
 #include "platform/files.h"
 #include "sessions/record_session.h"
 
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace kestrune {
@@ -27,11 +29,12 @@ public:
     // Creates the session folder when it is missing.
     void prepare();
 
-    // Names of the record files, and of the profile's, in order of name: not empty, ending in ".xml" in any
-    // case.
+    // Names of the record files, and of the profile's, in order of name: all that end in ".xml" in any case.
     [[nodiscard]] std::vector<std::string> names() const;
-    // A file's text; nothing when it cannot be read.
-    [[nodiscard]] std::optional<std::string> text(std::string_view name) const;
+    // The files of these names, to be read in this order.
+    [[nodiscard]] std::unique_ptr<FileSequence> sequence(std::vector<std::string> names) const {
+        return files_.sequence(session_, std::move(names));
+    }
     // The record kept under the file name of this address, if there is one.
     [[nodiscard]] std::optional<RecordSession> record_for(std::string_view url) const;
 

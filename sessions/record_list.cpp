@@ -33,14 +33,18 @@ RecordSession RecordOf(const ListView& list, const ListItem& item) {
             field("Postdata"), field("Header"), field("Frame")};
 }
 
-ListItem ItemOf(std::string key, const RecordSession& record) {
-    return {std::move(key),
-            record.Session,
-            {record.Type, record.Url, record.Action, record.Postdata, record.Header, record.Frame}};
+ListItem ItemOf(std::string key, RecordSession record) {
+    ListItem item{std::move(key), std::move(record.Session), {}};
+    item.SubItems.reserve(6);
+    for (std::string* const field :
+         {&record.Type, &record.Url, &record.Action, &record.Postdata, &record.Header, &record.Frame})
+        item.SubItems.push_back(std::move(*field));
+    return item;
 }
 
-bool AddRecordToList(ListView& list, const RecordSession& record) {
-    return list.add(ItemOf(UrlToRecordKey(record.Url), record));
+bool AddRecordToList(ListView& list, RecordSession record) {
+    std::string key = UrlToRecordKey(record.Url);
+    return list.add(ItemOf(std::move(key), std::move(record)));
 }
 
 bool UpdateRecordInList(ListView& list, std::string_view key, RecordSession& record) {

@@ -45,10 +45,10 @@ struct SelectedEntry {
 // The record behind an entry of a record list. `list` is the entry's own.
 [[nodiscard]] RecordSession RecordOf(const ListView& list, const ListItem& item);
 // The entry that stands for a record under a key.
-[[nodiscard]] ListItem ItemOf(std::string key, const RecordSession& record);
+[[nodiscard]] ListItem ItemOf(std::string key, RecordSession record);
 
 // Adds a record under UrlToRecordKey of its address. False, and nothing is added, when that key is taken.
-bool AddRecordToList(ListView& list, const RecordSession& record);
+bool AddRecordToList(ListView& list, RecordSession record);
 
 // Overwrites the entry with this key; a record named "*sysgen*" takes the entry's name. False when no entry
 // has the key.

@@ -13,10 +13,8 @@ void append_element(std::string& xml, std::string_view tag, std::string_view val
     xml += line_end;
 }
 
-bool is_letter_or_digit(std::string_view character) {
-    const char c = character.front();
-    return character.size() == 1 &&
-           ((c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9'));
+bool is_letter_or_digit(char c) {
+    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9');
 }
 
 } // namespace
@@ -40,24 +38,27 @@ void ParseSessionXml(std::string_view text, RecordSession& record) {
         record.Type = type_form;
     if (record.Type == type_preference)
         return;
-    record.Session = GetXmlTag(text, "Session");
-    record.Url = GetXmlTag(text, "Url");
-    record.Action = GetXmlTag(text, "Action");
-    record.Postdata = GetXmlTag(text, "Postdata");
-    record.Header = GetXmlTag(text, "Header");
-    record.Frame = GetXmlTag(text, "Frame");
+    auto [session, url, action, postdata, header, frame] =
+        GetXmlTags<6>(text, {"Session", "Url", "Action", "Postdata", "Header", "Frame"});
+    record.Session = session;
+    record.Url = url;
+    record.Action = action;
+    record.Postdata = postdata;
+    record.Header = header;
+    record.Frame = frame;
 }
 
 std::string UrlToFileName(std::string_view url) {
     constexpr std::size_t dropped = 7;
     std::string name;
     name.reserve(url.size());
-    std::size_t count = 0;
-    for (std::size_t at = 0; at < url.size(); ++count) {
-        const std::string_view character = url.substr(at, character_length(url, at));
-        at += character.size();
-        if (count >= dropped)
-            name += is_letter_or_digit(character) ? character : "_";
+    std::size_t at = 0;
+    for (std::size_t i = 0; i < dropped && at < url.size(); ++i)
+        at += character_length(url, at);
+    while (at < url.size()) {
+        const bool kept = is_letter_or_digit(url[at]);
+        name += kept ? url[at] : '_';
+        at += kept ? 1 : character_length(url, at);
     }
     return name;
 }

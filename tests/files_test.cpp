@@ -9,6 +9,7 @@
 #include <filesystem>
 #include <memory>
 #include <string>
+#include <sys/stat.h>
 #include <vector>
 
 namespace kestrune {
@@ -46,9 +47,7 @@ protected:
     std::string at(const std::string& name) { return files().path(family.folder, name); }
     Files& files() { return family.files; }
     std::vector<std::string> names() {
-        std::vector<std::string> names;
-        for (const FileEntry& entry : files().list(family.folder).value_or(std::vector<FileEntry>{}))
-            names.push_back(entry.name);
+        auto names = files().list(family.folder).value_or(std::vector<std::string>{});
         std::sort(names.begin(), names.end());
         return names;
     }
@@ -121,19 +120,30 @@ TYPED_TEST(FilesContract, FileIsWrittenOnlyInAFolderThatExists) {
     EXPECT_FALSE(this->files().file_exists(this->at("a/f")));
 }
 
-TYPED_TEST(FilesContract, ListHoldsTheFilesOfTheFolderWithTheirSizesAndNothingElse) {
+TYPED_TEST(FilesContract, ListHoldsTheFilesOfTheFolderAndNothingElse) {
     ASSERT_TRUE(this->files().write(this->at("one"), "1"));
-    ASSERT_TRUE(this->files().write(this->at("three"), "123"));
+    ASSERT_TRUE(this->files().write(this->at("empty"), ""));
     ASSERT_TRUE(this->files().create_folder(this->at("d")));
     ASSERT_TRUE(this->files().write(this->at("d/inner"), "x"));
-    auto entries = this->files().list(this->family.folder);
-    ASSERT_TRUE(entries);
-    std::sort(entries->begin(), entries->end(), [](const auto& a, const auto& b) { return a.name < b.name; });
-    ASSERT_EQ(entries->size(), 2U);
-    EXPECT_EQ(entries->at(0).name, "one");
-    EXPECT_EQ(entries->at(0).size, 1U);
-    EXPECT_EQ(entries->at(1).name, "three");
-    EXPECT_EQ(entries->at(1).size, 3U);
+    EXPECT_THAT(this->names(), testing::ElementsAre("empty", "one"));
+}
+
+TYPED_TEST(FilesContract, SequenceReadsTheFilesInTheOrderOfTheirNamesAndSaysNothingOfThoseThatCannotBeRead) {
+    ASSERT_TRUE(this->files().write(this->at("b"), "second"));
+    ASSERT_TRUE(this->files().write(this->at("a"), "first"));
+    ASSERT_TRUE(this->files().write(this->at("empty"), ""));
+    ASSERT_TRUE(this->files().create_folder(this->at("d")));
+    const auto sequence = this->files().sequence(this->family.folder, {"b", "none", "d", "empty", "a"});
+    EXPECT_EQ(sequence->next(), "second");
+    EXPECT_EQ(sequence->next(), std::nullopt);
+    EXPECT_EQ(sequence->next(), std::nullopt);
+    EXPECT_EQ(sequence->next(), "");
+    EXPECT_EQ(sequence->next(), "first");
+    EXPECT_EQ(sequence->next(), std::nullopt);
+}
+
+TYPED_TEST(FilesContract, SequenceOfAMissingFolderReadsNothing) {
+    EXPECT_EQ(this->files().sequence(this->at("none"), {"a"})->next(), std::nullopt);
 }
 
 TYPED_TEST(FilesContract, MissingFolderCannotBeListedAndAnEmptyOneIsEmpty) {
@@ -197,6 +207,21 @@ TEST(DiskFilesTest, WriteThatTheDiskCannotHoldFailsAndLeavesTheOldFileAndNothing
     }
     EXPECT_EQ(files.read(folder.file("f")), "old");
     EXPECT_EQ(folder.entries(), 1U);
+}
+
+TEST(DiskFilesTest, LinkToAFileIsListedAndOneToAFolderOrAPipeIsNot) {
+    const TemporaryFolder folder;
+    DiskFiles files;
+    ASSERT_TRUE(files.write(folder.file("file"), "x"));
+    ASSERT_TRUE(files.create_folder(folder.file("folder")));
+    ASSERT_EQ(::mkfifo(folder.file("pipe").c_str(), 0600), 0);
+    std::filesystem::create_symlink("file", folder.file("to_file"));
+    std::filesystem::create_symlink("folder", folder.file("to_folder"));
+    std::filesystem::create_symlink("pipe", folder.file("to_pipe"));
+    std::filesystem::create_symlink("none", folder.file("to_nothing"));
+    auto names = files.list(folder.path()).value_or(std::vector<std::string>{});
+    std::sort(names.begin(), names.end());
+    EXPECT_THAT(names, testing::ElementsAre("file", "to_file"));
 }
 
 TEST(DiskFilesTest, WrittenFilesAndFoldersAreOpenToTheirOwnerOnly) {

@@ -80,6 +80,19 @@ TEST_F(FormReplayTest, FormWithAnInputNamedActionAndAnIdHasTheActionOfThePageSou
     EXPECT_EQ(shown.element(0, 1).value, "1");
 }
 
+TEST_F(FormReplayTest, FormWithAnInputNamedActionIsFoundByItsIdInQuotesAsTodaysEnginesWriteIt) {
+    PageForm form = form_of("[object]", {element("hidden", "action", "do.cgi"), element("text", "a")});
+    form.id = "f2";
+    form.action_input = "do.cgi";
+    PageDocument document = page({form});
+    document.form_tags = {"<form id=\"f20\" action=\"first.cgi\">",
+                          "<form method=\"post\" id=\"f2\" action=\"add.cgi\">"};
+    FormPage shown{document};
+    EXPECT_FALSE(write(shown, "http://a.b/first.cgi", "a=1"));
+    EXPECT_TRUE(write(shown, "http://a.b/add.cgi", "a=1"));
+    EXPECT_EQ(shown.element(0, 1).value, "1");
+}
+
 TEST_F(FormReplayTest, SameFormWithoutAnIdHasTheValueOfThatInputAsItsAction) {
     PageForm form = form_of("[object]", {element("hidden", "action", "do.cgi"), element("text", "a")});
     form.action_input = "do.cgi";

@@ -44,6 +44,14 @@ std::optional<struct stat> status(const std::string& path) {
     return found;
 }
 
+// Not every file system tells in the folder what an entry is, and a link may lead to a file.
+bool is_file(int folder, const dirent& entry) {
+    if (entry.d_type != DT_UNKNOWN && entry.d_type != DT_LNK)
+        return entry.d_type == DT_REG;
+    struct stat found {};
+    return ::fstatat(folder, entry.d_name, &found, 0) == 0 && S_ISREG(found.st_mode);
+}
+
 bool write_all(int fd, std::string_view bytes) {
     while (!bytes.empty()) {
         const ssize_t written = ::write(fd, bytes.data(), bytes.size());
@@ -75,6 +83,44 @@ bool fill_and_flush(Descriptor& fd, std::string_view bytes) {
            fd.close();
 }
 
+// The path starts at the folder, an open one or AT_FDCWD.
+std::optional<std::string> read_file(int folder, const std::string& path) {
+    const Descriptor fd{::openat(folder, path.c_str(), O_RDONLY | O_CLOEXEC)};
+    if (!fd.valid())
+        return std::nullopt;
+    std::string bytes;
+    std::array<char, 65536> buffer; // NOLINT(cppcoreguidelines-pro-type-member-init): clearing it takes
+                                    // longer than reading a small file
+    for (;;) {
+        const ssize_t got = ::read(fd.get(), buffer.data(), buffer.size());
+        if (got < 0 && errno == EINTR)
+            continue;
+        if (got < 0)
+            return std::nullopt;
+        if (got == 0)
+            return bytes;
+        bytes.append(buffer.data(), static_cast<std::size_t>(got));
+    }
+}
+
+// Holds the folder open, so that the system does not look up its path for every file.
+class DiskSequence : public FileSequence {
+public:
+    DiskSequence(const std::string& folder, std::vector<std::string> names)
+        : folder_(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)), names_(std::move(names)) {}
+
+    std::optional<std::string> next() override {
+        if (next_ == names_.size())
+            return std::nullopt;
+        return read_file(folder_.get(), names_[next_++]);
+    }
+
+private:
+    Descriptor folder_;
+    std::vector<std::string> names_;
+    std::size_t next_ = 0;
+};
+
 } // namespace
 
 std::string DiskFiles::path(std::string_view folder, std::string_view name) const {
@@ -98,36 +144,26 @@ bool DiskFiles::create_folder(const std::string& path) {
     return ::mkdir(path.c_str(), owner_only_folder) == 0;
 }
 
-std::optional<std::vector<FileEntry>> DiskFiles::list(const std::string& folder) const {
+std::optional<std::vector<std::string>> DiskFiles::list(const std::string& folder) const {
     const std::unique_ptr<DIR, int (*)(DIR*)> entries(::opendir(folder.c_str()), ::closedir);
     if (!entries)
         return std::nullopt;
-    std::vector<FileEntry> files;
+    std::vector<std::string> names;
     // NOLINTNEXTLINE(concurrency-mt-unsafe): one thread walks one folder.
     while (const dirent* const entry = ::readdir(entries.get())) {
-        struct stat found {};
-        if (::fstatat(::dirfd(entries.get()), entry->d_name, &found, 0) == 0 && S_ISREG(found.st_mode))
-            files.push_back({entry->d_name, static_cast<std::uint64_t>(found.st_size)});
+        if (is_file(::dirfd(entries.get()), *entry))
+            names.emplace_back(entry->d_name);
     }
-    return files;
+    return names;
 }
 
 std::optional<std::string> DiskFiles::read(const std::string& path) const {
-    const Descriptor fd{::open(path.c_str(), O_RDONLY | O_CLOEXEC)};
-    if (!fd.valid())
-        return std::nullopt;
-    std::string bytes;
-    std::array<char, 65536> buffer{};
-    for (;;) {
-        const ssize_t got = ::read(fd.get(), buffer.data(), buffer.size());
-        if (got < 0 && errno == EINTR)
-            continue;
-        if (got < 0)
-            return std::nullopt;
-        if (got == 0)
-            return bytes;
-        bytes.append(buffer.data(), static_cast<std::size_t>(got));
-    }
+    return read_file(AT_FDCWD, path);
+}
+
+std::unique_ptr<FileSequence> DiskFiles::sequence(const std::string& folder,
+                                                  std::vector<std::string> names) const {
+    return std::make_unique<DiskSequence>(folder, std::move(names));
 }
 
 bool DiskFiles::write(const std::string& path, std::string_view bytes) {

@@ -11,8 +11,10 @@ public:
     [[nodiscard]] bool file_exists(const std::string& path) const override;
     [[nodiscard]] bool folder_exists(const std::string& path) const override;
     bool create_folder(const std::string& path) override;
-    [[nodiscard]] std::optional<std::vector<FileEntry>> list(const std::string& folder) const override;
+    [[nodiscard]] std::optional<std::vector<std::string>> list(const std::string& folder) const override;
     [[nodiscard]] std::optional<std::string> read(const std::string& path) const override;
+    [[nodiscard]] std::unique_ptr<FileSequence> sequence(const std::string& folder,
+                                                         std::vector<std::string> names) const override;
     bool write(const std::string& path, std::string_view bytes) override;
     bool remove(const std::string& path) override;
     bool move(const std::string& from, const std::string& to) override;

@@ -19,6 +19,24 @@ std::string without_slash(std::string path) {
     return path;
 }
 
+class MemorySequence : public FileSequence {
+public:
+    MemorySequence(const MemoryFiles& files, std::string folder, std::vector<std::string> names)
+        : files_(files), folder_(std::move(folder)), names_(std::move(names)) {}
+
+    std::optional<std::string> next() override {
+        if (next_ == names_.size())
+            return std::nullopt;
+        return files_.read(files_.path(folder_, names_[next_++]));
+    }
+
+private:
+    const MemoryFiles& files_;
+    std::string folder_;
+    std::vector<std::string> names_;
+    std::size_t next_ = 0;
+};
+
 } // namespace
 
 std::string MemoryFiles::path(std::string_view folder, std::string_view name) const {
@@ -43,16 +61,16 @@ bool MemoryFiles::create_folder(const std::string& path) {
     return true;
 }
 
-std::optional<std::vector<FileEntry>> MemoryFiles::list(const std::string& folder) const {
+std::optional<std::vector<std::string>> MemoryFiles::list(const std::string& folder) const {
     const std::string wanted = without_slash(folder);
     if (!folder_exists(wanted) || unreadable.contains(wanted))
         return std::nullopt;
-    std::vector<FileEntry> entries;
+    std::vector<std::string> names;
     for (const auto& [path, bytes] : contents) {
         if (folder_of(path) == wanted)
-            entries.push_back({name_of(path), bytes.size()});
+            names.push_back(name_of(path));
     }
-    return entries;
+    return names;
 }
 
 std::optional<std::string> MemoryFiles::read(const std::string& path) const {
@@ -60,6 +78,11 @@ std::optional<std::string> MemoryFiles::read(const std::string& path) const {
     if (found == contents.end() || unreadable.contains(path))
         return std::nullopt;
     return found->second;
+}
+
+std::unique_ptr<FileSequence> MemoryFiles::sequence(const std::string& folder,
+                                                    std::vector<std::string> names) const {
+    return std::make_unique<MemorySequence>(*this, folder, std::move(names));
 }
 
 bool MemoryFiles::write(const std::string& path, std::string_view bytes) {

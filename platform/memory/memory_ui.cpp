@@ -112,11 +112,17 @@ void MemoryUserInterface::expect_form(std::string name, std::function<void(Form&
 }
 
 void MemoryUserInterface::run_later() {
-    while (!later_.empty()) {
-        const auto call = std::move(later_.front());
-        later_.pop_front();
-        call();
+    while (run_one_later()) {
     }
+}
+
+bool MemoryUserInterface::run_one_later() {
+    if (later_.empty())
+        return false;
+    const auto call = std::move(later_.front());
+    later_.pop_front();
+    call();
+    return true;
 }
 
 bool type_into(Form& form, std::string_view name, std::string text) {

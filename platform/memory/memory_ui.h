@@ -49,6 +49,8 @@ public:
 
     // Runs what was put off with call_later, including what that puts off.
     void run_later();
+    // Runs the first of them; false when there is none.
+    bool run_one_later();
 
     ScreenSize screen_size{19200, 14400};
     bool ended = false;
