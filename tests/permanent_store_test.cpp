@@ -284,6 +284,20 @@ TEST_F(PermanentStoreTest, SavingWithNothingSelectedOnlySaysSo) {
     EXPECT_FALSE(counters.gbRecordChanged);
 }
 
+TEST_F(PermanentStoreTest, SavingWorksOnTheTemporaryListWhateverIsSelectedInTheOthers) {
+    store.LoadPermanentSession();
+    save(form("kept", "http://a.b/1"));
+    permanent.select("http://a.b/1");
+    pad.select("K1");
+    select_temporary(form("new", "http://a.b/2"));
+    store.cmdSave_Click();
+    EXPECT_THAT(listed(), ElementsAre("kept", "new"));
+    EXPECT_EQ(temporary.size(), 0U);
+    ui.expect_box("Please select a record session from the list first!", Answer::Ok);
+    store.cmdSave_Click();
+    EXPECT_THAT(listed(), ElementsAre("kept", "new"));
+}
+
 TEST_F(PermanentStoreTest, SysgenNameIsReplacedInListAndFile) {
     store.LoadPermanentSession();
     save(form("*sysgen*", "http://a.b/1"));
