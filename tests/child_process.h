@@ -19,7 +19,9 @@ namespace kestrune {
 // killed in the middle of it. The work must not use anything of the test framework's.
 class ChildProcess {
 public:
-    explicit ChildProcess(const std::function<void()>& work) {
+    explicit ChildProcess(const std::function<void()>& work) : ChildProcess([] {}, work) {}
+    // Made once the preparation in the copy is done and the work begins.
+    ChildProcess(const std::function<void()>& prepare, const std::function<void()>& work) {
         std::array<int, 2> ends{};
         if (::pipe(ends.data()) != 0)
             throw std::runtime_error("no pipe");
@@ -27,8 +29,9 @@ public:
         if (process_ == 0) {
             ::prctl(PR_SET_PDEATHSIG, SIGKILL);
             ::close(ends[0]);
-            [[maybe_unused]] const ssize_t told = ::write(ends[1], "r", 1);
             try {
+                prepare();
+                [[maybe_unused]] const ssize_t told = ::write(ends[1], "r", 1);
                 work();
             } catch (...) {
                 ::_exit(1);
