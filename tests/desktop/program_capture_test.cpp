@@ -1,92 +1,9 @@
-#include "tests/desktop/painted.h"
-#include "tests/desktop/program_fixture.h"
-
-#include <QWebEngineView>
+#include "tests/desktop/capture_fixture.h"
 
 namespace kestrune {
 namespace {
 
-using ::testing::ElementsAre;
 using ::testing::IsEmpty;
-using ::testing::SizeIs;
-
-constexpr const char* question = "A temporary record is created, do you want to view/edit it now?";
-
-// A user who records with Auto Record on, types into the page itself, and keeps what was recorded.
-class ProgramCapture : public ProgramTest {
-protected:
-    ProgramCapture() { server().page("/taken", "<p>taken</p>"); }
-
-    void start_recording() {
-        start();
-        user().choose("mnuAutoHide"); // the lists stay in view
-        user().choose("mnuPromptFill");
-        user().press("cmdRecord");
-        ASSERT_TRUE(window().mnuAutoRecord.Checked.get());
-    }
-    void show_site(const std::string& path) {
-        window().OpenSiteForPlayback(url(path), "A site");
-        wait_for_document(url(path));
-    }
-    QWidget& page() {
-        auto* const view = user().window().findChild<QWebEngineView*>();
-        view->setFocus();
-        return *view->focusProxy();
-    }
-    // Clicks at the page's left upper corner, where each page has its text box, types there and submits.
-    void type_and_submit(const QString& text) {
-        ASSERT_TRUE(wait_until_painted(*user().window().findChild<QWebEngineView*>()));
-        QTest::mouseClick(&page(), Qt::LeftButton, {}, QPoint(20, 10));
-        QTest::keyClicks(&page(), text);
-        QTest::keyClick(&page(), Qt::Key_Return);
-    }
-    static std::string form(const std::string& attributes, const std::string& value = "") {
-        return "<style>body, form { margin: 0 } input { width: 200px; height: 20px }</style><form " +
-               attributes + "><input name=typed value='' autofocus><br><input name=given value='" + value +
-               "'><select name=s><option>one</option><option" + (value.empty() ? "" : " selected") +
-               ">two words</option></select><input type=checkbox name=c value=yes" +
-               (value.empty() ? "" : " checked") + "><input type=submit name=go value=Send></form>";
-    }
-    [[nodiscard]] std::vector<SiteServer::Request> submissions() {
-        std::vector<SiteServer::Request> found;
-        for (const SiteServer::Request& request : server().requests()) {
-            if (request.target.substr(0, request.target.find('?')) == "/taken")
-                found.push_back(request);
-        }
-        return found;
-    }
-    void submit_recorded(const std::string& path) {
-        answer_boxes({"No"});
-        show_site(path);
-        type_and_submit("a typed text");
-        wait("the record", [this] { return window().ListView1.size() == 1; });
-        wait("the submission", [this] { return submissions().size() == 1; });
-        EXPECT_THAT(asked(), ElementsAre(question));
-        user().answer_with({});
-    }
-    RecordSession recorded() {
-        const ListItem* const item = window().ListView1.find("K1");
-        return item == nullptr ? RecordSession{} : RecordOf(window().ListView1, *item);
-    }
-    void keep_and_replay(const std::string& path) {
-        window().SSTab1.set_tab(1);
-        window().ListView1.select("K1");
-        user().press("cmdSave");
-        ASSERT_EQ(window().lvwPermanent.size(), 1U);
-        ASSERT_EQ(window().ListView1.size(), 0U);
-        user().press("cmdRecord");
-        window().OpenSiteForPlayback(url(path), "A site");
-        wait("the second submission", [this] { return submissions().size() == 2; });
-    }
-    void expect_same_requests() {
-        const std::vector<SiteServer::Request> both = submissions();
-        ASSERT_THAT(both, SizeIs(2));
-        EXPECT_EQ(both[0].method, both[1].method);
-        EXPECT_EQ(both[0].target, both[1].target);
-        EXPECT_EQ(both[0].body, both[1].body);
-        EXPECT_EQ(both[0].parts, both[1].parts);
-    }
-};
 
 TEST_F(ProgramCapture, RecordedPostIsKeptAndItsReplaySendsTheSameBytes) {
     server().page("/form", form("action=/taken method=post", "\u00fc & \u20ac"));
@@ -143,6 +60,49 @@ TEST_F(ProgramCapture, RecordedMultipartFormIsReplayedWithItsTexts) {
     EXPECT_EQ(submissions()[1].parts.find("given")->second, "x y");
 }
 
+TEST_F(ProgramCapture, ActionThatDiffersInItsQueryAloneIsCaptured) {
+    server().page("/form",
+                  "<style>body, form { margin: 0 } input { width: 200px; height: 20px }</style><form "
+                  "action=/taken?step=1 method=post><input name=typed autofocus><input type=submit "
+                  "formaction=/taken?step=2></form><p>words");
+    start_recording();
+    submit_recorded("/form");
+    EXPECT_EQ(recorded().Action, url("/taken?step=2"));
+    EXPECT_EQ(recorded().Postdata, "typed=a+typed+text");
+}
+
+TEST_F(ProgramCapture, SecondSubmissionFromTheSameLoadedPageIsNotCaptured) {
+    server().answer("/taken", {"", 204});
+    server().page("/form", form("action=/taken method=post"));
+    start_recording();
+    submit_recorded("/form");
+    EXPECT_TRUE(window().bAutoFillFlag);
+    type_and_submit(" and more");
+    wait("the second submission", [this] { return submissions().size() == 2; });
+    server().page("/next", "<p>next");
+    show_site("/next");
+    EXPECT_EQ(window().ListView1.size(), 1U);
+}
+
+TEST_F(ProgramCapture, FirstCaptureIsSession1AndAfterItsDeletionTheNextIsSession2) {
+    server().page("/form", form("action=/taken method=post"));
+    start_recording();
+    submit_recorded("/form");
+    wait_for_document(url("/taken"));
+    EXPECT_EQ(recorded().Session, "Session1");
+    window().SSTab1.set_tab(1);
+    window().ListView1.select("K1");
+    answer_boxes({"Yes"});
+    user().press("cmdDelete");
+    ASSERT_EQ(window().ListView1.size(), 0U);
+    answer_boxes({"No"});
+    show_site("/form");
+    type_and_submit("again");
+    wait("the next record", [this] { return window().ListView1.size() == 1; });
+    EXPECT_EQ(window().ListView1.item(0).Text, "Session2");
+    EXPECT_NE(window().ListView1.find("K2"), nullptr);
+}
+
 struct NotCaptured {
     const char* name;
     const char* page;
@@ -158,6 +118,7 @@ TEST_P(ProgramDoesNotCapture, AndAsksNothing) {
     // Until something is there to be read the engine drops what the mouse does.
     server().page("/form", body + "<p>words");
     server().page("/inner", "inner");
+    server().page("/Taken", "taken");
     start_recording();
     if (!GetParam().recording)
         user().press("cmdRecord");
@@ -172,14 +133,16 @@ TEST_P(ProgramDoesNotCapture, AndAsksNothing) {
 
 INSTANTIATE_TEST_SUITE_P(
     Cases, ProgramDoesNotCapture,
-    ::testing::Values(NotCaptured{"form_without_an_action", "<form>BOX</form>", true},
-                      NotCaptured{
-                          "address_of_no_form_tag",
-                          "<form action=/nowhere method=post>BOX<input type=submit formaction=/taken></form>",
-                          true},
-                      NotCaptured{"get_form_on_a_page_with_frames",
-                                  "<form action=/taken>BOX</form><iframe src=/inner></iframe>", true},
-                      NotCaptured{"auto_record_off", "<form action=/taken method=post>BOX</form>", false}),
+    ::testing::Values(
+        NotCaptured{"form_without_an_action", "<form>BOX</form>", true},
+        NotCaptured{"address_of_no_form_tag",
+                    "<form action=/nowhere method=post>BOX<input type=submit formaction=/taken></form>",
+                    true},
+        NotCaptured{"action_of_another_letter_case",
+                    "<form action=/taken method=post>BOX<input type=submit formaction=/Taken></form>", true},
+        NotCaptured{"get_form_on_a_page_with_frames",
+                    "<form action=/taken>BOX</form><iframe src=/inner></iframe>", true},
+        NotCaptured{"auto_record_off", "<form action=/taken method=post>BOX</form>", false}),
     [](const auto& tested) { return tested.param.name; });
 
 } // namespace

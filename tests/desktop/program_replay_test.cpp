@@ -215,5 +215,48 @@ TEST_F(ProgramReplay, WithNoAutoFillInForceNothingIsAskedOrFilled) {
     EXPECT_TRUE(window().bAutoFillFlag);
 }
 
+TEST_F(ProgramReplay, FrameAndPageOfTheSameAddressAreReplayedOnce) {
+    // A page that shows itself in a frame: the frame completes first and is asked about.
+    const std::string form = "<form action=/taken method=post><input name=a><input type=submit></form>";
+    server().page("/form", form + "<iframe src=/form></iframe>");
+    start_with({"a=x"});
+    answer_boxes({"Cancel"});
+    play();
+    wait("both documents", [this] { return !window().busy() && window().lngFormCount >= 2; });
+    EXPECT_THAT(window().astrFormPageUrl, ::testing::Each(url("/form")));
+    EXPECT_THAT(asked(), ElementsAre(question));
+}
+
+TEST_F(ProgramReplay, PageLoadedOutsidePlaybackIsNotReplayed) {
+    server().page("/form", "<form action=/taken method=post><input name=a><input type=submit></form>");
+    start_with({"a=x"});
+    open_address(url("/form"));
+    open_address(url("/taken"));
+    EXPECT_THAT(posted(), IsEmpty());
+}
+
+TEST_F(ProgramReplay, FramesetGivesOneEntryInTheFormTableAndOtherPagesOneForEachForm) {
+    server().page("/forms", "<form action=/a></form><form method=post></form>");
+    server().page("/form", "<frameset cols='*,*'><frame src=/forms><frame src=/empty></frameset>");
+    server().page("/empty", "<p>empty</p>");
+    start_with({});
+    play();
+    wait_for_rest();
+    ASSERT_EQ(window().lngFormCount, 3);
+    EXPECT_THAT(window().astrFormPageUrl, ElementsAre(url("/forms"), url("/forms"), url("/form")));
+    EXPECT_THAT(window().astrFormAction, ElementsAre("/a", "", "*frame*"));
+}
+
+TEST_F(ProgramReplay, ImageButtonBehindABoxOnRecordInAnotherLetterCaseIsPressed) {
+    server().page("/form", "<form action=/search><input type=image name=no src=/no.png></form><form "
+                           "action=/taken method=post><input name=EMAIL><input type=image name=go "
+                           "src=/go.png></form>");
+    start_with({"Email=me%40a.example"});
+    answer_boxes({"OK"});
+    play();
+    wait_for_post();
+    EXPECT_THAT(posted(), ElementsAre(::testing::StartsWith("EMAIL=me%40a.example&go.x=")));
+}
+
 } // namespace
 } // namespace kestrune
