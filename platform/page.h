@@ -87,7 +87,7 @@ struct PageDocument {
     PageParts parts; // what this image holds besides
     // Where "<form " occurs in documentElement.innerHTML, letter case ignored: the text from there through
     // the next ">", one entry for each, in order; the search goes on after that ">" and ends at a hit without
-    // one. Scripts and comments count like any other text. An id without blanks stands without quotes.
+    // one. Scripts and comments count like any other text.
     std::vector<std::string> form_tags;
     std::vector<PageLink> links; // document.links, in order; only when asked for
     std::vector<PageForm> forms; // document.forms, in order; only when asked for

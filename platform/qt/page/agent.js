@@ -8,8 +8,7 @@
             const end = source.indexOf('>', hit.index + 1);
             if (end < 0)
                 break;
-            // The engine writes quotes round every value; a form is looked up by its id without them.
-            tags.push(text(source.slice(hit.index, end + 1).replace(/(\sid=)"([^"\s]+)"/i, '$1$2')));
+            tags.push(text(source.slice(hit.index, end + 1)));
             opening.lastIndex = end + 1;
         }
         return tags;
