@@ -26,6 +26,7 @@ int main(int argc, char* argv[]) {
     kestrune::QtDesktop desktop{argc, argv};
     if (!finish(library))
         return 0;
+    desktop.keep_site_data_in(library.folder());
     kestrune::DiskFiles files;
     kestrune::SqliteDatabase database;
     kestrune::Program program{desktop.user_interface(), files, database, library.folder()};

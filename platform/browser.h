@@ -54,8 +54,12 @@ public:
     static constexpr int navigate_back = 2;
 
     // A page wants a new window. Returns the browser that shall load what was asked for, or null to refuse.
-    // Called at once, nested in whatever goes on: the page waits for the answer.
+    // Called nested in whatever goes on, because the page waits for the answer; but a request that comes
+    // while the program has a question or dialog open comes once that has been answered.
     virtual Browser* NewWindow2() = 0;
+
+    // A script asks that its window be closed. Windows that no page has opened do not obey.
+    virtual void WindowClosing() {}
 
     // The user asks for the context menu in this document, by the mouse or by key. A field under the mouse
     // has the focus already. False lets the browser show its own menu, which is what happens by default.

@@ -83,6 +83,7 @@ void BrowserWindow::wire_keys() {
         {"F5", in_turn(&BrowserWindow::reload)},
         {"Esc", in_turn(&BrowserWindow::stop)},
         {"Ctrl+L", in_turn(&BrowserWindow::open_address)},
+        {"Ctrl+Shift+Del", in_turn(&BrowserWindow::forget_sites)},
         {"Ctrl+D", in_turn(&BrowserWindow::bookmark_page)},
         // With the record lists hidden the button lies below the window's edge.
         {"Ctrl+Alt+R", [this] { cmdReset.press(); }},

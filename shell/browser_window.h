@@ -52,7 +52,8 @@ public:
     void Form_Load();
     void Form_QueryUnload();
     void Form_Unload();
-    void Unload(); // the two above, in order
+    // The two above, in order. A pop-up that has opened one itself goes once that one has gone.
+    void Unload();
     void mnuExit_Click();
     void CallLoadPermanentRecord();
     void CopyMenuStateFromParent();
@@ -72,6 +73,8 @@ public:
     // Asks for an address and opens it as ordinary browsing: not as a site being played.
     void open_address();
     void mnuAbout_Click();
+    // Asks whether to, first.
+    void forget_sites();
 
     // Switches (switches.cpp)
     void mnuWithPAD_Click();
@@ -139,6 +142,7 @@ private:
     void DocumentComplete(PageDocument image) override;
     void CommandStateChange(int command, bool enable) override;
     Browser* NewWindow2() override;
+    void WindowClosing() override;
     bool ContextMenu(const DocumentId& document) override;
 
     using Procedure = void (BrowserWindow::*)();
@@ -156,6 +160,7 @@ private:
     bool fill_by_menu(const DocumentId& document);
 
     bool may_open_popup();
+    [[nodiscard]] bool has_popup() const;
     void show_site_tab(int tab, const std::string& count);
     [[nodiscard]] SubmitStatusControls submit_status_controls();
     [[nodiscard]] RecordPanel record_panel();
@@ -167,6 +172,8 @@ private:
     int loads_ = 0; // of the permanent records, apart from those that a later one cut short
     std::optional<FillReport> last_fill_; // of "Multi-input" in this window
     EventQueue events_;
+    bool unload_waits_ = false; // for the pop-ups over this window
+    bool unloaded_ = false;
     // Counts the navigations of the top window: a completion that waited in the queue while the page was left
     // is dropped.
     std::uint64_t visit_ = 0;

@@ -2,6 +2,8 @@
 
 #include "shell/version.h"
 
+#include <utility>
+
 namespace kestrune {
 namespace {
 
@@ -14,7 +16,8 @@ constexpr int open_address_height = 1800;
 
 } // namespace
 
-FrmAbout::FrmAbout(const std::string& engine) : Form("frmAbout", "About Kestrune") {
+FrmAbout::FrmAbout(const std::string& engine, std::function<void()> forget)
+    : Form("frmAbout", "About Kestrune") {
     lblVersion.Caption =
         "Kestrune " + std::string(program_version) + "\nSubmits your program to many download sites.";
     lblEngine.Caption = engine;
@@ -22,10 +25,11 @@ FrmAbout::FrmAbout(const std::string& engine) : Form("frmAbout", "About Kestrune
     Width = about_width;
     Height = about_height;
     Rows = {{"Version:", &lblVersion}, {"Browser engine:", &lblEngine}, {"Licence:", &lblLicence}};
-    Buttons = {&cmdOK};
+    Buttons = {&cmdForget, &cmdOK};
     Default = &cmdOK;
     Cancel = &cmdOK;
     FirstFocus = &cmdOK;
+    cmdForget.Click = std::move(forget);
     cmdOK.Click = [this] { Hide(); };
 }
 

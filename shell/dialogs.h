@@ -3,20 +3,22 @@
 #include "platform/control.h"
 #include "platform/form.h"
 
+#include <functional>
 #include <string>
 
 namespace kestrune {
 
-// Help, "About": version, engine and licence.
+// Help, "About": version, engine and licence, and the place where a user looks for what sites have stored.
 class FrmAbout : public Form {
 public:
-    // engine: the engine's description, one or more lines.
-    explicit FrmAbout(const std::string& engine);
+    // engine: the engine's description, one or more lines. forget: the user wants the sites forgotten.
+    FrmAbout(const std::string& engine, std::function<void()> forget);
 
 private:
     Label lblVersion{"lblVersion", ""};
     Label lblEngine{"lblEngine", ""};
     Label lblLicence{"lblLicence", ""};
+    Button cmdForget{"cmdForget", "Forget site data..."};
     Button cmdOK{"cmdOK", "OK"};
 };
 

@@ -19,15 +19,30 @@ void run_guarded(const EventQueue::Handler& handler) {
 } // namespace
 
 void EventQueue::handle(Handler handler) {
+    if (state_->closed)
+        return;
+    state_->waiting.push_back(std::move(handler));
+    run_waiting(std::shared_ptr<State>(state_));
+}
+
+bool EventQueue::handle_now(const Handler& handler) {
     const std::shared_ptr<State> state = state_;
     if (state->closed)
-        return;
-    if (state->busy) {
-        state->waiting.push_back(std::move(handler));
-        return;
-    }
-    state->busy = true;
+        return false;
+    const bool inside = std::exchange(state->busy, true);
     run_guarded(handler);
+    state->busy = inside;
+    return !inside && !state->waiting.empty();
+}
+
+EventQueue::Handler EventQueue::drain() {
+    return [state = state_] { run_waiting(state); };
+}
+
+void EventQueue::run_waiting(const std::shared_ptr<State>& state) {
+    if (state->busy)
+        return;
+    state->busy = true;
     while (!state->waiting.empty()) {
         const Handler next = std::move(state->waiting.front());
         state->waiting.pop_front();

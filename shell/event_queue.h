@@ -16,6 +16,14 @@ public:
     // Runs the handler now, or queues it when another one is running.
     void handle(Handler handler);
 
+    // Runs the handler at once, in the middle of one that runs if need be: for calls whose caller waits for
+    // their outcome. What has come meanwhile is not run from here; true when there is something, and `drain`
+    // is to be called later then.
+    [[nodiscard]] bool handle_now(const Handler& handler);
+    // Runs what waits, unless a handler runs that will do so at its end. May be called when the queue is
+    // gone.
+    [[nodiscard]] Handler drain();
+
     // Drops what waits and whatever is still to come; the handler that runs goes on to its end.
     void close();
 
@@ -28,6 +36,8 @@ private:
         bool busy = false;
         bool closed = false;
     };
+    static void run_waiting(const std::shared_ptr<State>& state);
+
     std::shared_ptr<State> state_ = std::make_shared<State>();
 };
 

@@ -86,9 +86,22 @@ void BrowserWindow::open_address() {
 }
 
 void BrowserWindow::mnuAbout_Click() {
-    FrmAbout dialog{program_.ui().engine_version()};
+    FrmAbout dialog{program_.ui().engine_version(), [this] { forget_sites(); }};
     CenterForm(dialog, program_.ui().screen());
     program_.ui().ShowModal(dialog);
+}
+
+void BrowserWindow::forget_sites() {
+    UserInterface& ui = program_.ui();
+    const Answer answer = ui.MessageBox("Do you want to forget what all sites have stored on this computer? "
+                                        "You will be signed out everywhere.",
+                                        Buttons::YesNo);
+    if (answer != Answer::Yes)
+        return;
+    ui.forget_sites();
+    ui.MessageBox(
+        "Sign-ins and cookies are deleted. What else sites have stored, the cache included, is deleted when "
+        "the program starts the next time.");
 }
 
 void BrowserWindow::CommandStateChange(int command, bool enable) {

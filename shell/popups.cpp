@@ -5,15 +5,20 @@
 namespace kestrune {
 
 Browser* BrowserWindow::NewWindow2() {
-    // The page waits for the answer, so it cannot stand in line behind a question that is open already.
-    if (events_.busy())
-        return nullptr;
     Browser* opened = nullptr;
-    events_.handle([this, &opened] {
+    const bool more = events_.handle_now([this, &opened] {
         if (may_open_popup())
             opened = &OpenPopupWindow().browser();
     });
+    // Not from here: the browser waits for the answer.
+    if (more)
+        program_.ui().call_later(events_.drain());
     return opened;
+}
+
+void BrowserWindow::WindowClosing() {
+    if (objParentForm != nullptr)
+        events_.handle([this] { Unload(); });
 }
 
 bool BrowserWindow::may_open_popup() {

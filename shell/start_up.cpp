@@ -1,5 +1,7 @@
 #include "shell/browser_window.h"
 
+#include <algorithm>
+
 namespace kestrune {
 
 void BrowserWindow::Form_Load() {
@@ -59,10 +61,20 @@ void BrowserWindow::CopyMenuStateToParent() {
     objParentForm->mnuNoPAD.Checked = mnuNoPAD.Checked.get();
 }
 
+// A window under a pop-up is hidden until the last one has gone.
+bool BrowserWindow::has_popup() const {
+    const auto& windows = program_.windows();
+    return std::any_of(windows.begin(), windows.end(), [this](const auto& window) {
+        return window->objParentForm == this && !window->unloaded_;
+    });
+}
+
 void BrowserWindow::Form_QueryUnload() {
+    unloaded_ = true;
     if (objParentForm == nullptr)
         return;
-    objParentForm->form.Visible = true;
+    if (!objParentForm->has_popup() && !objParentForm->unload_waits_)
+        objParentForm->form.Visible = true;
     if (gbRecordChanged)
         objParentForm->CallLoadPermanentRecord();
     CopyMenuStateToParent();
@@ -76,9 +88,17 @@ void BrowserWindow::Form_Unload() {
     }
     form.Visible = false;
     program_.destroy_later(*this);
+    if (objParentForm->unload_waits_)
+        objParentForm->Unload();
 }
 
 void BrowserWindow::Unload() {
+    if (unloaded_)
+        return;
+    if (objParentForm != nullptr && has_popup()) {
+        unload_waits_ = true;
+        return;
+    }
     Form_QueryUnload();
     Form_Unload();
 }

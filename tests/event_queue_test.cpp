@@ -23,6 +23,46 @@ TEST(EventQueue, HandlerThatArrivesWhileOneRunsWaitsUntilItHasReturned) {
     EXPECT_EQ(order, "abcd");
 }
 
+TEST(EventQueue, HandlerThatIsRunNowRunsInTheMiddleOfAnother) {
+    EventQueue queue;
+    std::string order;
+    queue.handle([&] {
+        queue.handle([&] { order += "c"; });
+        EXPECT_FALSE(queue.handle_now([&] { order += "a"; })) << "the handler around it runs what waits";
+        order += "b";
+    });
+    EXPECT_EQ(order, "abc");
+}
+
+TEST(EventQueue, WhatComesWhileAHandlerIsRunNowIsLeftForLater) {
+    EventQueue queue;
+    std::string order;
+    EXPECT_TRUE(queue.handle_now([&] { queue.handle([&] { order += "b"; }); }));
+    order += "a";
+    queue.drain()();
+    EXPECT_EQ(order, "ab");
+    EXPECT_FALSE(queue.busy());
+}
+
+TEST(EventQueue, WhatIsLeftForLaterKeepsItsPlaceBeforeNewcomers) {
+    EventQueue queue;
+    std::string order;
+    EXPECT_TRUE(queue.handle_now([&] { queue.handle([&] { order += "a"; }); }));
+    queue.handle([&] { order += "b"; });
+    EXPECT_EQ(order, "ab");
+}
+
+TEST(EventQueue, WhatIsLeftForLaterIsDroppedWhenTheQueueIsClosed) {
+    auto queue = std::make_unique<EventQueue>();
+    bool ran = false;
+    EXPECT_TRUE(queue->handle_now([&] { queue->handle([&] { ran = true; }); }));
+    const auto rest = queue->drain();
+    queue->close();
+    queue.reset();
+    rest();
+    EXPECT_FALSE(ran);
+}
+
 TEST(EventQueue, WhatAWaitingHandlerCausesComesAfterThoseThatWaitedBefore) {
     EventQueue queue;
     std::string order;

@@ -164,6 +164,26 @@ TEST_F(NavigationTest, AboutIsShownFromTheHelpMenu) {
     EXPECT_EQ(window().mnuAbout.Shortcut, "F1");
 }
 
+TEST_F(NavigationTest, SitesAreForgottenByKeyOrFromAboutOnceTheUserAgrees) {
+    const std::string question = "Do you want to forget what all sites have stored on this computer? You "
+                                 "will be signed out everywhere.";
+    ui.expect_box(question, Answer::No);
+    press_key("Ctrl+Shift+Del");
+    EXPECT_EQ(ui.times_sites_forgotten, 0);
+
+    ui.expect_form("frmAbout", [&](Form& form) {
+        ui.expect_box(question, Answer::Yes);
+        ui.expect_box("Sign-ins and cookies are deleted. What else sites have stored, the cache included, is "
+                      "deleted when "
+                      "the program starts the next time.",
+                      Answer::Ok);
+        EXPECT_TRUE(press_button(form, "cmdForget"));
+        EXPECT_TRUE(press_button(form, "cmdOK"));
+    });
+    window().mnuAbout.choose();
+    EXPECT_EQ(ui.times_sites_forgotten, 1);
+}
+
 TEST_F(NavigationTest, KeysReloadStopAndGoBack) {
     browse_to("http://one/");
     browse_to("http://two/");

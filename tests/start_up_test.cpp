@@ -102,6 +102,62 @@ TEST_F(PopupTest, AnsweringYesThreeTimesShowsThreeBlockedAndAPopupCountsItsOwn) 
     EXPECT_EQ(popup.StatusBar1.text(2), "1 Pop-up is blocked");
 }
 
+TEST_F(PopupTest, RequestInTheMiddleOfAHandlerIsAskedAboutAndNotDropped) {
+    browser().pages["http://site/"] = page_of_links("http://site/", {"Submit"});
+    BrowserWindow* opened = nullptr;
+    browser().on_take_image = [&] {
+        browser().on_take_image = nullptr;
+        ui.expect_box(block_question, Answer::No);
+        ui.expect_box("Please be awared that the right-click function is disabled in the pop-up window!",
+                      Answer::Ok);
+        opened = request(window(), program);
+    };
+    ui.expect_box("Do you want to go to this link", Answer::Yes);
+    window().OpenSiteForPlayback("http://site/", "A site");
+    arrive();
+    ASSERT_NE(opened, nullptr);
+    EXPECT_EQ(browser().clicked, std::vector<std::string>{"Submit"}) << "and the handler goes on";
+}
+
+TEST_F(PopupTest, WhatComesWhileARequestIsAskedAboutIsHandledAfterwards) {
+    ui.expect_box(block_question, Answer::Yes, [&] { press_key("F5"); });
+    request(window(), program);
+    EXPECT_EQ(browser().reload_count, 0) << "the browser waits for the answer";
+    ui.run_later();
+    EXPECT_EQ(browser().reload_count, 1);
+}
+
+TEST_F(PopupTest, ScriptClosesAPopupButNotTheFirstWindow) {
+    BrowserWindow& popup = open(window());
+    browser().events().WindowClosing();
+    EXPECT_FALSE(ui.ended);
+    dynamic_cast<MemoryBrowser&>(popup.browser()).events().WindowClosing();
+    ui.run_later();
+    EXPECT_EQ(program.windows().size(), 1U);
+    EXPECT_TRUE(window().form.Visible.get());
+}
+
+TEST_F(PopupTest, OpenerOfSeveralPopupsIsShownOnceTheLastHasClosed) {
+    BrowserWindow& first = open(window());
+    BrowserWindow& second = open(window());
+    first.Unload();
+    EXPECT_FALSE(window().form.Visible.get());
+    second.Unload();
+    EXPECT_TRUE(window().form.Visible.get());
+}
+
+TEST_F(PopupTest, PopupThatIsToCloseUnderItsOwnPopupGoesWithThatOne) {
+    BrowserWindow& popup = open(window());
+    BrowserWindow& upper = open(popup);
+    dynamic_cast<MemoryBrowser&>(popup.browser()).events().WindowClosing();
+    EXPECT_EQ(program.windows().size(), 3U);
+    EXPECT_FALSE(window().form.Visible.get());
+    upper.Unload();
+    ui.run_later();
+    EXPECT_EQ(program.windows().size(), 1U);
+    EXPECT_TRUE(window().form.Visible.get());
+}
+
 TEST_F(PopupTest, AnsweringNoShowsTheNoticeAndOpensThePopup) {
     ui.expect_box(block_question, Answer::No);
     ui.expect_box("Please be awared that the right-click function is disabled in the pop-up window!",

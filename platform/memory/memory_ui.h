@@ -34,6 +34,7 @@ public:
     void DoEvents() override;
     void call_later(std::function<void()> call) override { later_.push_back(std::move(call)); }
     void EndProgram() override { ended = true; }
+    void forget_sites() override { ++times_sites_forgotten; }
     [[nodiscard]] std::string engine_version() const override { return "no engine"; }
 
     // The next message box must have this text and is answered so; `meanwhile` runs while it is open.
@@ -54,6 +55,7 @@ public:
 
     ScreenSize screen_size{19200, 14400};
     bool ended = false;
+    int times_sites_forgotten = 0;
     std::vector<Asked> asked;             // every message box so far
     std::vector<std::string> shown_forms; // names of the dialogs shown so far
     std::vector<std::string> failures;    // what was not expected; a test asserts that it is empty

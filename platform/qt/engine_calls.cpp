@@ -1,6 +1,7 @@
 #include "platform/qt/engine_calls.h"
 
 #include "platform/qt/engine_image.h"
+#include "platform/qt/engine_waits.h"
 
 #include <QPointer>
 #include <QTimer>
@@ -15,7 +16,7 @@ namespace kestrune {
 void PageCalls::fetch_image(const DocumentId& document, PageParts parts, Receive receive) {
     const quint32 request = next_request_++;
     waiting_[request] = {document, parts, std::move(receive)};
-    QTimer::singleShot(answer_time_, this, [this, request] { settle(request, {}); });
+    start_clock(request);
     const QByteArray wanted = QByteArray("{links:") + (parts.links ? "true" : "false") +
                               ",forms:" + (parts.forms ? "true" : "false") +
                               ",labels:" + (parts.labels ? "true" : "false") + "}";
@@ -55,6 +56,15 @@ void PageCalls::ask(quint32 request, const QByteArray& code) {
                             if (self && !later)
                                 self->arrived(request, text);
                         });
+}
+
+void PageCalls::start_clock(quint32 request) {
+    QTimer::singleShot(answer_time_, this, [this, request] {
+        if (waits_.open())
+            start_clock(request);
+        else
+            settle(request, {});
+    });
 }
 
 void PageCalls::settle(quint32 request, Answer answer) {

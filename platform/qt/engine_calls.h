@@ -15,6 +15,8 @@ class QWebEnginePage;
 
 namespace kestrune {
 
+class EngineWaits;
+
 // Calls of the page side in the top frame. The engine forgets a call when the page goes to another host or
 // its process dies, so each has a clock: every call is answered exactly once.
 class PageCalls : public QObject {
@@ -25,8 +27,9 @@ public:
     };
     using Receive = std::function<void(Answer)>;
 
-    PageCalls(QWebEnginePage& page, std::chrono::milliseconds answer_time)
-        : page_(page), answer_time_(answer_time) {}
+    // Time in which the engine stands still is not counted.
+    PageCalls(QWebEnginePage& page, std::chrono::milliseconds answer_time, const EngineWaits& waits)
+        : page_(page), answer_time_(answer_time), waits_(waits) {}
 
     void fetch_image(const DocumentId& document, PageParts parts, Receive receive);
     // Runs code for its effect.
@@ -48,10 +51,12 @@ private:
         Receive receive;
     };
     void ask(quint32 request, const QByteArray& code);
+    void start_clock(quint32 request);
     void settle(quint32 request, Answer answer);
 
     QWebEnginePage& page_;
     std::chrono::milliseconds answer_time_;
+    const EngineWaits& waits_;
     std::map<quint32, Waiting> waiting_;
     quint32 next_request_ = 1;
 };

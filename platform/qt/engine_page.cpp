@@ -2,6 +2,7 @@
 
 #include "platform/diagnostics.h"
 #include "platform/qt/engine_address.h"
+#include "platform/qt/page_requests.h"
 
 #include <QDir>
 #include <QFile>
@@ -14,16 +15,25 @@
 #include <QWebEngineFileSystemAccessRequest>
 #include <QWebEngineFullScreenRequest>
 #include <QWebEngineProfile>
+#if QT_VERSION < QT_VERSION_CHECK(6, 5, 0)
+#include <QWebEngineQuotaRequest>
+#endif
 #include <QWebEngineRegisterProtocolHandlerRequest>
 #include <QWebEngineScript>
 #include <QWebEngineScriptCollection>
 #include <QWebEngineUrlRequestInfo>
 #include <QWebEngineUrlRequestInterceptor>
+#if QT_VERSION >= QT_VERSION_CHECK(6, 7, 0)
+#include <QWebEngineDesktopMediaRequest>
+#include <QWebEngineWebAuthUxRequest>
+#endif
 #if QT_VERSION >= QT_VERSION_CHECK(6, 8, 0)
 #include <QWebEnginePermission>
 #endif
 
 #include <array>
+#include <functional>
+#include <utility>
 
 // The resource lies in a static library: without a reference the linker leaves it out. Outside every
 // namespace, as the toolkit's macro wants it.
@@ -40,18 +50,22 @@ QString script_name() { return QStringLiteral("kestrune"); }
 
 class RequestWatch : public QWebEngineUrlRequestInterceptor {
 public:
-    explicit RequestWatch(EnginePageEvents& events) : events_(events) {}
+    RequestWatch(EnginePageEvents& events, std::function<PageRequests*()> requests)
+        : events_(events), requests_(std::move(requests)) {}
 
     void interceptRequest(QWebEngineUrlRequestInfo& info) override {
         const bool top_level = info.resourceType() == QWebEngineUrlRequestInfo::ResourceTypeMainFrame;
         if (!top_level && info.resourceType() != QWebEngineUrlRequestInfo::ResourceTypeSubFrame)
             return;
+        if (PageRequests* const requests = requests_())
+            requests->requesting(info.requestMethod(), top_level);
         const bool redirect = info.navigationType() == QWebEngineUrlRequestInfo::NavigationTypeRedirect;
         events_.navigation_requested(info.requestUrl(), redirect, top_level);
     }
 
 private:
     EnginePageEvents& events_;
+    std::function<PageRequests*()> requests_;
 };
 
 QString random_token() {
@@ -88,7 +102,8 @@ EnginePage::EnginePage(QWebEngineProfile& profile, EnginePageEvents& events)
           begun_ = begun_ || notice.kind == PageNotice::Kind::begin;
           events_.heard(std::move(notice));
       }),
-      interceptor_(std::make_unique<RequestWatch>(events)), token_(random_token()) {
+      interceptor_(std::make_unique<RequestWatch>(events, [this] { return requests_; })),
+      token_(random_token()) {
     channel_.registerObject(script_name(), &bridge_);
     setWebChannel(&channel_, QWebEngineScript::ApplicationWorld);
     setUrlRequestInterceptor(interceptor_.get());
@@ -140,8 +155,11 @@ void EnginePage::make_up_for_a_missing_script() {
 }
 
 bool EnginePage::acceptNavigationRequest(const QUrl& url, NavigationType type, bool top_level) {
-    if (!may_be_visited(url)) {
+    const bool visitable = may_be_visited(url);
+    if (!visitable || (requests_ != nullptr && !requests_->may_navigate(url, type, top_level))) {
         diagnostics::report("address refused", url.toString().toStdString());
+        if (!visitable && requests_ != nullptr)
+            requests_->address_refused(url, type == NavigationTypeTyped);
         return false;
     }
     const bool by_hand =
@@ -158,6 +176,27 @@ bool EnginePage::acceptNavigationRequest(const QUrl& url, NavigationType type, b
 
 QWebEnginePage* EnginePage::createWindow(WebWindowType) { return events_.window_wanted(); }
 
+QStringList EnginePage::chooseFiles(FileSelectionMode mode, const QStringList& /*former*/,
+                                    const QStringList& types) {
+    return requests_ != nullptr ? requests_->files_wanted(mode, types) : QStringList();
+}
+
+void EnginePage::javaScriptAlert(const QUrl& origin, const QString& text) {
+    if (requests_ != nullptr)
+        requests_->page_alert(origin, text);
+}
+
+bool EnginePage::javaScriptConfirm(const QUrl& origin, const QString& text) {
+    return requests_ != nullptr && requests_->page_confirm(origin, text);
+}
+
+bool EnginePage::javaScriptPrompt(const QUrl& origin, const QString& text, const QString& preset,
+                                  QString* result) {
+    const auto answer = requests_ != nullptr ? requests_->page_prompt(origin, text, preset) : std::nullopt;
+    *result = answer.value_or(QString());
+    return answer.has_value();
+}
+
 void EnginePage::javaScriptConsoleMessage(JavaScriptConsoleMessageLevel, const QString& message, int line,
                                           const QString& source) {
     diagnostics::report(
@@ -166,6 +205,16 @@ void EnginePage::javaScriptConsoleMessage(JavaScriptConsoleMessageLevel, const Q
 }
 
 void EnginePage::refuse_requests() {
+#if QT_VERSION >= QT_VERSION_CHECK(6, 7, 0)
+    connect(this, &QWebEnginePage::desktopMediaRequested, this,
+            [](const QWebEngineDesktopMediaRequest& request) { request.cancel(); });
+    connect(this, &QWebEnginePage::webAuthUxRequested, this,
+            [](QWebEngineWebAuthUxRequest* request) { request->cancel(); });
+#endif
+#if QT_VERSION < QT_VERSION_CHECK(6, 5, 0)
+    connect(this, &QWebEnginePage::quotaRequested, this,
+            [](QWebEngineQuotaRequest request) { request.reject(); });
+#endif
 #if QT_VERSION >= QT_VERSION_CHECK(6, 8, 0)
     connect(this, &QWebEnginePage::permissionRequested, this,
             [](QWebEnginePermission permission) { permission.deny(); });

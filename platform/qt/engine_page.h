@@ -13,6 +13,8 @@ class QWebEngineUrlRequestInterceptor;
 
 namespace kestrune {
 
+class PageRequests;
+
 struct AskedNavigation {
     QUrl url;
     bool top_level = true;
@@ -52,12 +54,22 @@ public:
     EnginePage(EnginePage&&) = delete;
     EnginePage& operator=(EnginePage&&) = delete;
 
+    // What the page asks for goes to `requests`, which outlives the page or is taken away by null; without
+    // one it is refused.
+    void serve(PageRequests* requests) { requests_ = requests; }
+
     // Holds for documents that begin from now on.
     void set_straggler_time(std::chrono::milliseconds time);
 
 protected:
     bool acceptNavigationRequest(const QUrl& url, NavigationType type, bool top_level) override;
     QWebEnginePage* createWindow(WebWindowType type) override;
+    QStringList chooseFiles(FileSelectionMode mode, const QStringList& former,
+                            const QStringList& types) override;
+    void javaScriptAlert(const QUrl& origin, const QString& text) override;
+    bool javaScriptConfirm(const QUrl& origin, const QString& text) override;
+    bool javaScriptPrompt(const QUrl& origin, const QString& text, const QString& preset,
+                          QString* result) override;
     void javaScriptConsoleMessage(JavaScriptConsoleMessageLevel level, const QString& message, int line,
                                   const QString& source) override;
 
@@ -67,6 +79,7 @@ private:
     void make_up_for_a_missing_script();
 
     EnginePageEvents& events_;
+    PageRequests* requests_ = nullptr;
     EngineBridge bridge_;
     QWebChannel channel_;
     std::unique_ptr<QWebEngineUrlRequestInterceptor> interceptor_;

@@ -1,9 +1,13 @@
 #include "platform/qt/engine_profile.h"
 
-#include "platform/diagnostics.h"
+#include "platform/qt/downloads.h"
+#include "platform/qt/engine_waits.h"
 #include "platform/qt/own_pages.h"
+#include "platform/qt/site_data.h"
 
 #include <QString>
+#include <QTemporaryDir>
+#include <QWebEngineCookieStore>
 #include <QWebEngineDownloadRequest>
 #include <QWebEngineProfile>
 #include <QWebEngineSettings>
@@ -11,13 +15,23 @@
 namespace kestrune {
 namespace {
 
-std::unique_ptr<QWebEngineProfile> make_profile(const std::filesystem::path& folder) {
+std::unique_ptr<SiteData> take_site_data(const std::filesystem::path& folder) {
     if (folder.empty())
+        return nullptr;
+    auto data = std::make_unique<SiteData>(folder);
+    return data->taken() ? std::move(data) : nullptr;
+}
+
+std::unique_ptr<QWebEngineProfile> make_profile(const SiteData* kept) {
+    if (kept == nullptr)
         return std::make_unique<QWebEngineProfile>();
     auto profile = std::make_unique<QWebEngineProfile>(QStringLiteral("kestrune"));
-    const QString place = QString::fromStdU16String(folder.u16string());
-    profile->setPersistentStoragePath(place + QStringLiteral("/site data"));
-    profile->setCachePath(place + QStringLiteral("/cache"));
+    profile->setPersistentStoragePath(kept->storage());
+    profile->setCachePath(kept->cache());
+    profile->setHttpCacheType(QWebEngineProfile::DiskHttpCache);
+    profile->setHttpCacheMaximumSize(EngineProfile::largest_cache);
+    // Author areas often sign in with a cookie that ends with the browser; their user comes back every day.
+    profile->setPersistentCookiesPolicy(QWebEngineProfile::ForcePersistentCookies);
     return profile;
 }
 
@@ -43,24 +57,39 @@ void restrict(QWebEngineSettings& settings) {
     // Loads what nobody asked for.
     settings.setAttribute(Settings::DnsPrefetchEnabled, false);
     settings.setAttribute(Settings::HyperlinkAuditingEnabled, false);
-    // A page must not start another program.
-    settings.setUnknownUrlSchemePolicy(Settings::DisallowUnknownUrlSchemes);
+    // So that the page is asked about each (EnginePage), which refuses them all to the engine: another
+    // program is started by OutsideLinks, and only when the user agrees.
+    settings.setUnknownUrlSchemePolicy(Settings::AllowAllUnknownUrlSchemes);
     // Whether a window may open is asked of the user, so the engine must let the request through.
     settings.setAttribute(Settings::JavascriptCanOpenWindows, true);
 }
 
 } // namespace
 
-EngineProfile::EngineProfile(const std::filesystem::path& folder) : profile_(make_profile(folder)) {
+EngineProfile::EngineProfile(const std::filesystem::path& folder)
+    : site_data_(take_site_data(folder)), waits_(std::make_unique<EngineWaits>()),
+      profile_(make_profile(site_data_.get())) {
     restrict(*profile_->settings());
+#if QT_VERSION >= QT_VERSION_CHECK(6, 8, 0)
+    // What is refused is refused anew each time; nothing of it is kept beside the cookies.
+    profile_->setPersistentPermissionsPolicy(QWebEngineProfile::PersistentPermissionsPolicy::AskEveryTime);
+#endif
     profile_->installUrlSchemeHandler(OwnPages::scheme, new OwnPages(profile_.get())); // owned by the profile
-    QObject::connect(profile_.get(), &QWebEngineProfile::downloadRequested,
-                     [](QWebEngineDownloadRequest* download) {
-                         diagnostics::report("download refused", download->url().toString().toStdString());
-                         download->cancel();
-                     });
+    if (!site_data_)
+        temporary_ = std::make_unique<QTemporaryDir>();
+    downloads_ = std::make_unique<Downloads>(site_data_ ? site_data_->downloads() : temporary_->path());
+    QObject::connect(profile_.get(), &QWebEngineProfile::downloadRequested, downloads_.get(),
+                     [this](QWebEngineDownloadRequest* item) { downloads_->requested(*item); });
 }
 
 EngineProfile::~EngineProfile() = default;
+
+void EngineProfile::forget_sites() {
+    profile_->cookieStore()->deleteAllCookies();
+    // Not the cache: the engine clears it in its own time and loads nothing that is asked for meanwhile.
+    profile_->clearAllVisitedLinks();
+    if (site_data_)
+        site_data_->forget_at_next_start();
+}
 
 } // namespace kestrune

@@ -10,7 +10,10 @@
 #include "platform/qt/engine_page.h"
 #include "platform/qt/engine_profile.h"
 #include "platform/qt/engine_submission.h"
+#include "platform/qt/engine_waits.h"
 #include "platform/qt/menu_requests.h"
+#include "platform/qt/page_comforts.h"
+#include "platform/qt/qt_text.h"
 
 #include <QAction>
 #include <QEventLoop>
@@ -53,6 +56,7 @@ public:
     Engine& operator=(Engine&&) = delete;
 
     void navigate(std::string_view typed);
+    void go_to(const QUrl& url);
     void go_back();
     void reload();
     std::optional<PageDocument> take_image(const DocumentId& document, PageParts parts);
@@ -65,9 +69,12 @@ public:
 
     EnginePage& page() { return *page_; }
     PageCalls& calls() { return *calls_; }
+    PageComforts& comforts() { return *comforts_; }
     QWebEngineView& view() { return *view_; }
 
 private:
+    void start(const QUrl& url);
+    void start_reload();
     void began(const PageNotice& notice);
     void completed(const DocumentId& id, const std::string& url);
     void join(EventOrder::Place place, const AskedNavigation& asked);
@@ -84,38 +91,53 @@ private:
     std::unique_ptr<PageCalls> calls_;
     QPointer<QWebEngineView> view_; // its parent may have deleted it before
     QPointer<MenuRequests> menus_;  // likewise
+    std::unique_ptr<PageComforts> comforts_;
     std::optional<bool> back_announced_;
     bool blank_announced_ = false;
-    bool asking_ = false;
+    int asking_ = 0; // calls of the engine that wait for an answer
 };
 
 QtBrowser::Engine::Engine(QWidget& place, BrowserEvents& events, std::shared_ptr<EngineProfile> profile)
     : events_(events), profile_(std::move(profile)),
       page_(std::make_unique<EnginePage>(profile_->engine(), *this)),
-      calls_(std::make_unique<PageCalls>(*page_, QtBrowser::answer_time)), view_(new QWebEngineView(&place)) {
+      calls_(std::make_unique<PageCalls>(*page_, QtBrowser::answer_time, profile_->waits())),
+      view_(new QWebEngineView(&place)) {
     page_->set_straggler_time(QtBrowser::straggler_time);
     view_->setPage(page_.get());
     if (place.layout() == nullptr) {
         auto layout = std::make_unique<QVBoxLayout>();
         layout->setContentsMargins(0, 0, 0, 0);
+        layout->setSpacing(0);
         place.setLayout(layout.release());
     }
     place.layout()->addWidget(view_);
+    // What stands above and below the page takes no more room than it needs.
+    if (auto* const column = qobject_cast<QBoxLayout*>(place.layout()))
+        column->setStretchFactor(view_, 1);
     menus_ = &child_of<MenuRequests>(
         place, *view_, [this](const DocumentId& document) { return events_.ContextMenu(document); });
+    comforts_ = std::make_unique<PageComforts>(place, *view_, *page_, *profile_,
+                                               PageActions{[this] { reload(); }, [this] { start_reload(); },
+                                                           [this](const QUrl& url) { go_to(url); }});
+    page_->serve(comforts_.get());
     connect(page_.get(), &QWebEnginePage::urlChanged, this, [this] { announce_back(); });
     connect(page_.get(), &QWebEnginePage::loadFinished, this, [this] { announce_back(); });
     // The engine's own commands stop a load as well (its context menu).
     connect(page_->action(QWebEnginePage::Stop), &QAction::triggered, this,
             [this] { calls_->run("kestrune.stop()"); });
+    connect(page_.get(), &QWebEnginePage::windowCloseRequested, this,
+            [this] { order_.add([this] { events_.WindowClosing(); }); });
     announce_back();
 }
 
 QtBrowser::Engine::~Engine() {
     calls_->abandon();
     delete menus_.data();
+    page_->serve(nullptr);
+    const bool inside_engine = asking_ > 0 || comforts_->inside_engine();
+    comforts_.reset();
     delete view_.data();
-    if (asking_) {
+    if (inside_engine) {
         // The engine is inside a call of this page.
         connect(page_.get(), &QObject::destroyed, page_.get(), [kept = profile_] {});
         page_.release()->deleteLater();
@@ -128,24 +150,44 @@ void QtBrowser::Engine::navigate(std::string_view typed) {
         diagnostics::report("no address", typed);
         return;
     }
-    if (url->scheme() == QLatin1String("about")) {
+    go_to(*url);
+}
+
+void QtBrowser::Engine::go_to(const QUrl& url) {
+    if (!comforts_->leaving([this, url] { start(url); }))
+        start(url);
+}
+
+void QtBrowser::Engine::start(const QUrl& url) {
+    if (url.scheme() == QLatin1String("about")) {
         // The engine does not ask about this one.
         blank_announced_ = true;
-        announce(*url, true);
+        announce(url, true);
     } else {
         navigations_.expect();
     }
-    page_->setUrl(*url);
+    page_->setUrl(url);
 }
 
 void QtBrowser::Engine::go_back() {
     if (!can_go_back())
         return;
-    navigations_.expect();
-    page_->triggerAction(QWebEnginePage::Back);
+    const auto back = [this] {
+        navigations_.expect();
+        page_->triggerAction(QWebEnginePage::Back);
+    };
+    if (!comforts_->leaving(back))
+        back();
 }
 
 void QtBrowser::Engine::reload() {
+    comforts_->reload_wanted([this] {
+        if (!comforts_->leaving([this] { start_reload(); }))
+            start_reload();
+    });
+}
+
+void QtBrowser::Engine::start_reload() {
     navigations_.expect();
     page_->triggerAction(QWebEnginePage::Reload);
 }
@@ -168,6 +210,8 @@ std::optional<PageDocument> QtBrowser::Engine::take_image(const DocumentId& docu
     // What the user does meanwhile waits: its handler would run inside the one that asks.
     // Asked for from inside a posted event, the loop would sleep on the engine's own events posted behind it.
     loop.wakeUp();
+    const std::shared_ptr<EngineProfile> kept = profile_;
+    const EngineWaits::ForPage waiting_for_page(kept->waits());
     if (!result->done)
         loop.exec(QEventLoop::ExcludeUserInputEvents);
     return std::move(result->image);
@@ -210,15 +254,17 @@ void QtBrowser::Engine::navigation_requested(const QUrl& url, bool redirect, boo
 }
 
 QWebEnginePage* QtBrowser::Engine::window_wanted() {
-    // One question at a time.
-    if (asking_)
-        return nullptr;
     const QPointer<Engine> self(this);
-    asking_ = true;
-    Browser* const browser = events_.NewWindow2();
+    const std::shared_ptr<EngineProfile> kept = profile_;
+    ++asking_;
+    const bool may_ask = kept->waits().wait_for_questions();
     if (!self)
         return nullptr;
-    asking_ = false;
+    const EngineWaits::Open standing_still(kept->waits());
+    Browser* const browser = may_ask ? events_.NewWindow2() : nullptr;
+    if (!self)
+        return nullptr;
+    --asking_;
     auto* const chosen = dynamic_cast<QtBrowser*>(browser);
     if (chosen == nullptr || chosen->engine_->page_->profile() != page_->profile())
         return nullptr;
@@ -226,6 +272,7 @@ QWebEnginePage* QtBrowser::Engine::window_wanted() {
 }
 
 void QtBrowser::Engine::heard(PageNotice notice) {
+    comforts_->alive();
     switch (notice.kind) {
     case PageNotice::Kind::begin:
         began(notice);
@@ -254,6 +301,7 @@ void QtBrowser::Engine::heard(PageNotice notice) {
 
 void QtBrowser::Engine::began(const PageNotice& notice) {
     navigations_.began(true);
+    comforts_->began(notice.id);
     calls_->abandon();
     const bool announced = std::exchange(blank_announced_, false);
     if (!notice.error && !announced && notice.url == blank_page().toStdString())
@@ -262,6 +310,7 @@ void QtBrowser::Engine::began(const PageNotice& notice) {
 }
 
 void QtBrowser::Engine::completed(const DocumentId& id, const std::string& url) {
+    comforts_->completed(id);
     const EventOrder::Place place = order_.keep();
     calls_->fetch_image(id, events_.wanted_parts(), [this, place, id, url](PageCalls::Answer answer) {
         if (answer.gone) {
@@ -331,8 +380,10 @@ std::optional<PageDocument> QtBrowser::take_image(const DocumentId& document, Pa
 }
 
 void QtBrowser::apply(const std::vector<PageEdit>& edits) {
-    if (!edits.empty())
-        engine_->calls().run("kestrune.apply(" + write_edits(edits) + ")");
+    if (edits.empty())
+        return;
+    engine_->comforts().acted();
+    engine_->calls().run("kestrune.apply(" + write_edits(edits) + ")");
 }
 
 void QtBrowser::set_straggler_time(std::chrono::milliseconds time) {
@@ -340,6 +391,14 @@ void QtBrowser::set_straggler_time(std::chrono::milliseconds time) {
 }
 
 void QtBrowser::set_answer_time(std::chrono::milliseconds time) { engine_->calls().set_answer_time(time); }
+
+void QtBrowser::set_page_deadline(std::chrono::milliseconds time) { engine_->comforts().set_deadline(time); }
+
+void QtBrowser::set_hang_time(std::chrono::milliseconds time) { engine_->comforts().set_patience(time); }
+
+void QtBrowser::tell(const std::string& heading, const std::string& text) {
+    engine_->comforts().tell(to_qt(heading), to_qt(text));
+}
 
 QWebEngineView& QtBrowser::view() const { return engine_->view(); }
 

@@ -4,6 +4,7 @@
 
 #include <chrono>
 #include <memory>
+#include <string>
 
 class QWebEngineView;
 class QWidget;
@@ -42,6 +43,11 @@ public:
 
     void set_straggler_time(std::chrono::milliseconds time); // of documents that begin from now on
     void set_answer_time(std::chrono::milliseconds time);
+    void set_page_deadline(std::chrono::milliseconds time); // see PageDeadline; of visits from now on
+    void set_hang_time(std::chrono::milliseconds time);     // until a page is said not to answer
+
+    // A word of the program's own above the page, until it is read. Plain text.
+    void tell(const std::string& heading, const std::string& text);
 
     [[nodiscard]] QWebEngineView& view() const;
 

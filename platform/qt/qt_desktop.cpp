@@ -54,6 +54,10 @@ QtDesktop::~QtDesktop() { diagnostics::set_sink(nullptr); }
 
 UserInterface& QtDesktop::user_interface() { return *parts_->user_interface; }
 
+void QtDesktop::keep_site_data_in(const std::string& folder) {
+    parts_->user_interface->keep_site_data_in(folder);
+}
+
 int QtDesktop::run() { return QApplication::exec(); }
 
 } // namespace kestrune

@@ -3,6 +3,7 @@
 #include "platform/user_interface.h"
 
 #include <memory>
+#include <string>
 
 namespace kestrune {
 
@@ -19,6 +20,9 @@ public:
     QtDesktop& operator=(QtDesktop&&) = delete;
 
     [[nodiscard]] UserInterface& user_interface();
+
+    // Where what sites store is kept; to be said before there are windows.
+    void keep_site_data_in(const std::string& folder);
 
     // Serves events until the program ends; the exit code.
     int run();

@@ -1,17 +1,21 @@
 #include "platform/qt/qt_user_interface.h"
 
 #include "platform/qt/accessibility.h"
+#include "platform/qt/engine_age.h"
+#include "platform/qt/engine_profile.h"
 #include "platform/qt/menu_requests.h"
 #include "platform/qt/qt_browser.h"
 #include "platform/qt/qt_dialog.h"
 #include "platform/qt/qt_message_box.h"
 #include "platform/qt/qt_text.h"
 #include "platform/qt/qt_window.h"
+#include "platform/qt/start_notices.h"
 #include "platform/qt/twips.h"
 
 #include <QAbstractEventDispatcher>
 #include <QApplication>
 #include <QCursor>
+#include <QDate>
 #include <QFileDialog>
 #include <QMenu>
 #include <QScreen>
@@ -48,8 +52,8 @@ protected:
 // A browser with its window around it: the page goes first, the window after it.
 class WindowBrowser final : private OpenWindow, public QtBrowser {
 public:
-    WindowBrowser(WindowForm& form, BrowserEvents& events)
-        : OpenWindow(form), QtBrowser(window_->page_area(), events) {
+    WindowBrowser(WindowForm& form, BrowserEvents& events, std::shared_ptr<EngineProfile> profile)
+        : OpenWindow(form), QtBrowser(window_->page_area(), events, std::move(profile)) {
         window_->order_tabs();
     }
     [[nodiscard]] QtWindow& window() const { return *window_; }
@@ -144,11 +148,24 @@ ScreenSize QtUserInterface::screen() const {
 }
 
 std::unique_ptr<Browser> QtUserInterface::open_window(WindowForm& form, BrowserEvents& events) {
-    auto browser = std::make_unique<WindowBrowser>(form, events);
+    auto browser = std::make_unique<WindowBrowser>(form, events, profile());
     std::erase_if(windows_, [](const QPointer<QtWindow>& window) { return window.isNull(); });
     windows_.emplace_back(&browser->window());
+    // A program that keeps nothing is none that somebody starts.
+    if (!std::exchange(started_, true) && !site_data_folder_.empty()) {
+        for (const auto& [heading, text] : start_notices(profile()->site_data()))
+            browser->tell(from_qt(heading), from_qt(text));
+    }
     return browser;
 }
+
+const std::shared_ptr<EngineProfile>& QtUserInterface::profile() {
+    if (!profile_)
+        profile_ = std::make_shared<EngineProfile>(site_data_folder_);
+    return profile_;
+}
+
+void QtUserInterface::forget_sites() { profile()->forget_sites(); }
 
 void QtUserInterface::DoEvents() {
     const Nested nested{*this};
@@ -194,10 +211,13 @@ void QtUserInterface::EndProgram() {
 }
 
 std::string QtUserInterface::engine_version() const {
-    const bool sandbox = qEnvironmentVariableIsEmpty("QTWEBENGINE_DISABLE_SANDBOX");
+    const QString sandbox = sandbox_words();
+    const QString fixes = QString::fromLatin1(qWebEngineChromiumSecurityPatchVersion());
     return std::string("Qt WebEngine ") + qWebEngineVersion() + "\nBased on Chromium " +
            qWebEngineChromiumVersion() + "\nSecurity fixes up to Chromium " +
-           qWebEngineChromiumSecurityPatchVersion() + (sandbox ? "" : "\nThe sandbox is switched off");
+           qWebEngineChromiumSecurityPatchVersion() + "\n\n" +
+           from_qt(engine_age_words(fixes, QDate::currentDate())) +
+           (sandbox.isEmpty() ? std::string() : "\n\n" + from_qt(sandbox));
 }
 
 QtWindow* QtUserInterface::shown_window() const {

@@ -6,12 +6,16 @@
 #include <QPointer>
 
 #include <deque>
+#include <filesystem>
+#include <memory>
+#include <utility>
 #include <vector>
 
 class QDialog;
 
 namespace kestrune {
 
+class EngineProfile;
 class QtWindow;
 
 // The desktop on Qt. Needs a QApplication (see QtDesktop); lives as long as the windows that it opened.
@@ -24,6 +28,10 @@ public:
     QtUserInterface(QtUserInterface&&) = delete;
     QtUserInterface& operator=(QtUserInterface&&) = delete;
 
+    // What sites store is kept in a folder of that one from the first window on; without it, it is forgotten
+    // at the end.
+    void keep_site_data_in(std::filesystem::path folder) { site_data_folder_ = std::move(folder); }
+
     using UserInterface::MessageBox;
     Answer MessageBox(std::string_view text, Buttons buttons, std::string_view title) override;
     void ShowModal(Form& form) override;
@@ -34,6 +42,7 @@ public:
     void DoEvents() override;
     void call_later(std::function<void()> call) override;
     void EndProgram() override;
+    void forget_sites() override;
     [[nodiscard]] std::string engine_version() const override;
 
 private:
@@ -46,11 +55,15 @@ private:
     [[nodiscard]] bool handler_on_stack() const;
     void wake();
     void run_calls();
+    const std::shared_ptr<EngineProfile>& profile();
 
-    QObject context_; // calls put off end with it
+    std::filesystem::path site_data_folder_;
+    std::shared_ptr<EngineProfile> profile_; // made for the first window
+    QObject context_;                        // calls put off end with it
     std::vector<QPointer<QtWindow>> windows_;
     std::deque<std::function<void()>> later_;
     bool woken_ = false;
+    bool started_ = false; // a window has been opened
     int nested_ = 0;
 };
 

@@ -42,6 +42,7 @@ protected:
     }
 
     [[nodiscard]] BrowserWindow& window() { return *window_; }
+    [[nodiscard]] Program& program() { return program_; }
     [[nodiscard]] SiteServer& server() { return server_; }
     [[nodiscard]] drive::Driver& user() { return driver_; }
     [[nodiscard]] std::string url(const std::string& path) const { return server_.url(path); }

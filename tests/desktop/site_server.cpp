@@ -27,11 +27,16 @@ SiteServer::SiteServer() : server_(std::make_unique<httplib::Server>()) {
             given.status = 404;
             return;
         }
-        given.status = found->second.status;
-        for (const auto& [name, value] : found->second.headers)
+        const Answer answer = found->second(requests_.back());
+        given.status = answer.status;
+        for (const auto& [name, value] : answer.headers)
             given.set_header(name.c_str(), value);
-        if (given.status != 204)
-            given.set_content(found->second.body, found->second.type.c_str());
+        if (given.status == 204)
+            return;
+        if (answer.held)
+            hold_back(given, answer);
+        else
+            given.set_content(answer.body, answer.type.c_str());
     };
     server_->Get(".*", handle);
     server_->Post(".*", handle);
@@ -39,6 +44,9 @@ SiteServer::SiteServer() : server_(std::make_unique<httplib::Server>()) {
     if (port_ <= 0)
         throw std::runtime_error("no port for the test server");
     thread_ = std::thread([this] { server_->listen_after_bind(); });
+    // One that is stopped before it runs would not stop.
+    while (!server_->is_running())
+        std::this_thread::yield();
 }
 
 SiteServer::~SiteServer() {
@@ -51,9 +59,43 @@ SiteServer::~SiteServer() {
     thread_.join();
 }
 
+void SiteServer::hold_back(httplib::Response& given, const Answer& answer) {
+    const auto whole = std::make_shared<std::string>(answer.body);
+    given.set_content_provider(
+        whole->size(), answer.type.c_str(),
+        [this, whole, releases = releases_, breaks = breaks_](std::size_t offset, std::size_t length,
+                                                              httplib::DataSink& sink) {
+            if (offset + 1 < whole->size())
+                return sink.write(whole->data() + offset, whole->size() - 1 - offset);
+            std::unique_lock lock(mutex_);
+            ended_.wait(lock, [&] { return ending_ || releases_ > releases || breaks_ > breaks; });
+            return !ending_ && breaks_ == breaks && sink.write(whole->data() + offset, length);
+        });
+}
+
+void SiteServer::release() {
+    {
+        const std::lock_guard lock(mutex_);
+        ++releases_;
+    }
+    ended_.notify_all();
+}
+
+void SiteServer::break_off() {
+    {
+        const std::lock_guard lock(mutex_);
+        ++breaks_;
+    }
+    ended_.notify_all();
+}
+
 void SiteServer::answer(const std::string& path, Answer answer) {
+    answer_by(path, [answer = std::move(answer)](const Request&) { return answer; });
+}
+
+void SiteServer::answer_by(const std::string& path, std::function<Answer(const Request&)> decide) {
     const std::lock_guard lock(mutex_);
-    answers_[path] = std::move(answer);
+    answers_[path] = std::move(decide);
 }
 
 void SiteServer::redirect(const std::string& path, const std::string& to) {

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <atomic>
 #include <condition_variable>
 #include <functional>
 #include <map>
@@ -12,7 +11,8 @@
 
 namespace httplib {
 class Server;
-}
+struct Response;
+} // namespace httplib
 
 namespace kestrune {
 
@@ -25,6 +25,8 @@ public:
         int status = 200;
         std::string type = "text/html; charset=utf-8";
         std::map<std::string, std::string> headers = {};
+        // The last byte is kept back until `release`.
+        bool held = false;
     };
     struct Request {
         std::string method;
@@ -43,6 +45,10 @@ public:
 
     void page(const std::string& path, std::string body) { answer(path, {std::move(body)}); }
     void answer(const std::string& path, Answer answer);
+    // Each request of the path is answered as the function says; called on a thread of the server's.
+    void answer_by(const std::string& path, std::function<Answer(const Request&)> decide);
+    void release();   // what is held back now
+    void break_off(); // the connections of what is held back now
     void redirect(const std::string& path, const std::string& to);
     // A path that is asked for and never answered while the server lives.
     void never(const std::string& path);
@@ -53,13 +59,17 @@ public:
     [[nodiscard]] int count_of(const std::string& path) const;
 
 private:
+    void hold_back(httplib::Response& given, const Answer& answer);
+
     std::unique_ptr<httplib::Server> server_;
     std::thread thread_;
     int port_ = 0;
     mutable std::mutex mutex_;
     std::condition_variable ended_;
     bool ending_ = false;
-    std::map<std::string, Answer> answers_;
+    std::map<std::string, std::function<Answer(const Request&)>> answers_;
+    int releases_ = 0;
+    int breaks_ = 0;
     std::map<std::string, bool> silent_;
     std::vector<Request> requests_;
 };

@@ -22,6 +22,7 @@ public:
         window_.CommandStateChange(command, enable);
     }
     Browser* NewWindow2() override { return window_.NewWindow2(); }
+    void WindowClosing() override { window_.WindowClosing(); }
     bool ContextMenu(const DocumentId& document) override { return window_.ContextMenu(document); }
 
 private:

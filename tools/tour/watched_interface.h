@@ -53,6 +53,7 @@ public:
     void DoEvents() override { real_.DoEvents(); }
     void call_later(std::function<void()> call) override { real_.call_later(std::move(call)); }
     void EndProgram() override { real_.EndProgram(); }
+    void forget_sites() override { real_.forget_sites(); }
     [[nodiscard]] std::string engine_version() const override { return real_.engine_version(); }
 
 private:

@@ -1,0 +1,246 @@
+#include "platform/qt/downloads.h"
+
+#include "platform/diagnostics.h"
+#include "platform/qt/file_chooser.h"
+#include "platform/qt/file_name.h"
+#include "platform/qt/page_dialogs.h"
+
+#include <QDir>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QLocale>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QStandardPaths>
+#include <QWebEngineDownloadRequest>
+#include <QWebEnginePage>
+
+#include <algorithm>
+#include <utility>
+
+namespace kestrune {
+namespace {
+
+constexpr std::size_t most_downloads = 20; // at a time; a page may ask without end
+constexpr int progress_steps = 1000;
+
+QString size_words(qint64 bytes) { return QLocale::c().formattedDataSize(bytes); }
+
+QString content_name() { return QStringLiteral("content"); }
+
+} // namespace
+
+class Downloads::Download : public QObject {
+public:
+    Download(Downloads& owner, QWebEngineDownloadRequest& item, QString folder);
+    ~Download() override;
+    Download(const Download&) = delete;
+    Download& operator=(const Download&) = delete;
+    Download(Download&&) = delete;
+    Download& operator=(Download&&) = delete;
+
+private:
+    using State = QWebEngineDownloadRequest::DownloadState;
+
+    void show();
+    PageBar& new_bar(const QString& name);
+    void choose_place();
+    void follow();
+    void finish();
+    void tell_end(const QString& heading, const QString& text);
+    void refuse();
+    void ended();
+    void remove_part() const { QDir(folder_).removeRecursively(); }
+
+    Downloads& owner_;
+    QPointer<QWebEngineDownloadRequest> item_;
+    QPointer<QWebEnginePage> page_; // the item's own pointer dangles once the page is gone
+    QString folder_;                // of its own
+    QString name_;
+    QString from_;        // host
+    QString target_;      // "" while the user has not chosen
+    QString end_heading_; // set once it is over
+    QString end_text_;
+    QPointer<PageBar> bar_;
+};
+
+Downloads::Download::Download(Downloads& owner, QWebEngineDownloadRequest& item, QString folder)
+    : owner_(owner), item_(&item), page_(item.page()), folder_(std::move(folder)),
+      name_(clean_file_name(item.suggestedFileName())), from_(shown_host(item.url())) {
+    QDir().mkpath(folder_);
+    item.setDownloadDirectory(folder_);
+    item.setDownloadFileName(content_name());
+    item.accept();
+    // One that could be taken up again counts as interrupted only, not as finished.
+    connect(&item, &QWebEngineDownloadRequest::stateChanged, this, [this] { finish(); });
+    connect(&item, &QWebEngineDownloadRequest::isFinishedChanged, this, [this] { finish(); });
+    connect(&item, &QWebEngineDownloadRequest::receivedBytesChanged, this, [this] { follow(); });
+    show();
+}
+
+Downloads::Download::~Download() {
+    if (item_ && !item_->isFinished())
+        item_->cancel();
+    PageBars::remove(bar_);
+    remove_part();
+}
+
+PageBar& Downloads::Download::new_bar(const QString& name) {
+    PageBars::remove(bar_);
+    PageBar& bar = owner_.place_for(page_)->add(name);
+    bar_ = &bar;
+    // Its window may close; then another one shows it.
+    connect(&bar, &QObject::destroyed, this, [this, gone = &bar] {
+        if (bar_.isNull() || bar_ == gone)
+            QMetaObject::invokeMethod(
+                this, [this] { show(); }, Qt::QueuedConnection);
+    });
+    return bar;
+}
+
+void Downloads::Download::show() {
+    if (bar_ || owner_.place_for(nullptr) == nullptr)
+        return;
+    if (!end_heading_.isEmpty()) {
+        tell_end(end_heading_, end_text_);
+        return;
+    }
+    if (!item_) {
+        ended();
+        return;
+    }
+    if (target_.isEmpty()) {
+        const qint64 size = item_->totalBytes();
+        PageBar& bar = new_bar(QStringLiteral("Download"));
+        bar.set_heading(from_ + QStringLiteral(" offers a file:"));
+        bar.set_text(name_ + (size > 0 ? QStringLiteral(", ") + size_words(size) : QString()));
+        bar.add_button(QStringLiteral("Save..."), [this] { choose_place(); });
+        bar.add_button(QStringLiteral("Do not save"), [this] { refuse(); });
+        return;
+    }
+    PageBar& bar = new_bar(QStringLiteral("DownloadProgress"));
+    bar.set_heading(QStringLiteral("Saving ") + QFileInfo(target_).fileName());
+    bar.add_progress().setRange(0, item_->totalBytes() > 0 ? progress_steps : 0);
+    bar.add_button(QStringLiteral("Cancel"), [this] { refuse(); });
+    follow();
+}
+
+void Downloads::Download::choose_place() {
+    QFileDialog dialog;
+    stand_above(dialog, *bar_);
+    dialog.setObjectName(QStringLiteral("SaveFileDialog"));
+    dialog.setWindowTitle(QStringLiteral("Save ") + name_);
+    dialog.setAcceptMode(QFileDialog::AcceptSave);
+    dialog.setFileMode(QFileDialog::AnyFile);
+    dialog.setDirectory(QStandardPaths::writableLocation(QStandardPaths::DownloadLocation));
+    dialog.selectFile(name_);
+    const QPointer<Download> self(this);
+    const bool chosen = dialog.exec() == QDialog::Accepted && !dialog.selectedFiles().isEmpty();
+    if (!self || !chosen)
+        return;
+    target_ = dialog.selectedFiles().first();
+    PageBars::remove(bar_);
+    bar_.clear();
+    show();
+    finish();
+}
+
+void Downloads::Download::follow() {
+    if (!bar_ || !item_ || target_.isEmpty() || !end_heading_.isEmpty())
+        return;
+    const qint64 whole = item_->totalBytes();
+    const qint64 here = item_->receivedBytes();
+    if (auto* const progress = bar_->findChild<QProgressBar*>(); progress != nullptr && whole > 0)
+        progress->setValue(static_cast<int>(here * progress_steps / whole));
+    bar_->set_text(whole > 0 ? size_words(here) + QStringLiteral(" of ") + size_words(whole)
+                             : size_words(here));
+}
+
+// It is over, or the user has chosen a place.
+void Downloads::Download::finish() {
+    if (!item_ || !end_heading_.isEmpty())
+        return;
+    if (!item_->isFinished() && item_->state() != State::DownloadInterrupted)
+        return;
+    if (item_->state() == State::DownloadCancelled) {
+        ended();
+        return;
+    }
+    if (item_->state() == State::DownloadInterrupted) {
+        const QString why = item_->interruptReasonString();
+        remove_part();
+        tell_end(name_ + QStringLiteral(" could not be saved."), why);
+        return;
+    }
+    if (target_.isEmpty())
+        return;
+    const QString problem = move_into_place(folder_ + u'/' + content_name(), target_);
+    if (problem.isEmpty())
+        tell_end(QFileInfo(target_).fileName() + QStringLiteral(" is saved."),
+                 QFileInfo(target_).absolutePath());
+    else
+        tell_end(QFileInfo(target_).fileName() + QStringLiteral(" could not be saved."), problem);
+}
+
+void Downloads::Download::tell_end(const QString& heading, const QString& text) {
+    end_heading_ = heading;
+    end_text_ = text;
+    if (owner_.place_for(nullptr) == nullptr) {
+        ended();
+        return;
+    }
+    PageBar& bar = new_bar(QStringLiteral("DownloadEnd"));
+    bar.set_heading(heading);
+    bar.set_text(text);
+    bar.add_button(QStringLiteral("OK"), [this] { ended(); });
+}
+
+void Downloads::Download::refuse() {
+    if (item_ && !item_->isFinished())
+        item_->cancel(); // comes back as a change of its state
+    else
+        ended();
+}
+
+void Downloads::Download::ended() {
+    PageBars::remove(bar_);
+    QMetaObject::invokeMethod(
+        this, [this] { owner_.ended(*this); }, Qt::QueuedConnection);
+}
+
+Downloads::Downloads(QString folder) : folder_(std::move(folder)) {}
+
+Downloads::~Downloads() = default;
+
+void Downloads::add_place(QWebEnginePage& page, PageBars& bars) {
+    std::erase_if(places_, [](const Place& place) { return place.bars.isNull(); });
+    places_.push_back({&page, &bars});
+}
+
+PageBars* Downloads::place_for(const QWebEnginePage* page) const {
+    PageBars* front = nullptr;
+    for (const Place& place : places_) {
+        if (place.bars.isNull())
+            continue;
+        if (page != nullptr && place.page == page)
+            return place.bars;
+        if (front == nullptr || place.bars->window()->isVisible())
+            front = place.bars;
+    }
+    return front;
+}
+
+void Downloads::requested(QWebEngineDownloadRequest& item) {
+    if (downloads_.size() >= most_downloads || place_for(nullptr) == nullptr) {
+        diagnostics::report("download refused", item.url().toString().toStdString());
+        item.cancel();
+        return;
+    }
+    downloads_.push_back(std::make_unique<Download>(*this, item, folder_ + u'/' + QString::number(++made_)));
+}
+
+void Downloads::ended(const Download& download) {
+    std::erase_if(downloads_, [&](const auto& candidate) { return candidate.get() == &download; });
+}
+
+} // namespace kestrune

@@ -1,0 +1,323 @@
+#include "platform/qt/page_comforts.h"
+
+#include "platform/qt/certificate_words.h"
+#include "platform/qt/child_of.h"
+#include "platform/qt/downloads.h"
+#include "platform/qt/engine_profile.h"
+#include "platform/qt/engine_waits.h"
+#include "platform/qt/file_chooser.h"
+#include "platform/qt/outside_links.h"
+#include "platform/qt/page_bar.h"
+#include "platform/qt/page_deadline.h"
+#include "platform/qt/page_dialogs.h"
+#include "platform/qt/page_health.h"
+#include "platform/qt/page_tools.h"
+
+#include <QAuthenticator>
+#include <QBoxLayout>
+#include <QCoreApplication>
+#include <QEvent>
+#include <QPushButton>
+#include <QWebEngineCertificateError>
+#include <QWebEngineView>
+
+#include <utility>
+
+namespace kestrune {
+namespace {
+
+// The engine asks whether a page may be left as it asks a page's own question, with this text.
+QString leave_question() {
+    return QCoreApplication::translate(
+        "QWebEnginePage",
+        "Are you sure you want to leave this page? Changes that you made may not be saved.");
+}
+
+// What the page does within this time of a click or a key is the user's doing. In milliseconds.
+constexpr qint64 time_of_an_act = 2000;
+
+PageBars& add_bars(QWidget& place) {
+    auto& bars = child_of<PageBars>(place);
+    if (auto* const column = qobject_cast<QBoxLayout*>(place.layout()))
+        column->insertWidget(0, &bars);
+    return bars;
+}
+
+} // namespace
+
+struct PageComforts::Parts {
+    Parts(PageComforts& owner, QWidget& place, QWebEngineView& view, EngineWaits& waits,
+          const PageActions& actions)
+        : bars(add_bars(place)), dialogs(bars, place, waits, [this] { health.make_way(); }), outside(bars),
+          deadline([&owner] { owner.deadline_passed(); }, [page = view.page()] { return page->isLoading(); }),
+          health(*view.page(), bars, place, waits,
+                 [&actions](bool by_user) { (by_user ? actions.reload : actions.repeat)(); }),
+          tools(place, view, bars) {}
+    PageBars& bars; // owned by the place
+    PageDialogs dialogs;
+    OutsideLinks outside;
+    PageDeadline deadline;
+    PageHealth health;
+    PageTools tools;
+    QPointer<PageBar> certificate;
+    QPointer<PageBar> late;
+    QPointer<PageBar> send_again;
+};
+
+PageComforts::PageComforts(QWidget& place, QWebEngineView& view, QWebEnginePage& page, EngineProfile& profile,
+                           PageActions actions)
+    : place_(place), page_(page), profile_(profile), actions_(std::move(actions)),
+      parts_(std::make_unique<Parts>(*this, place, view, profile.waits(), actions_)) {
+    connect(&place, &QObject::destroyed, this, [this] { parts_.reset(); });
+    profile.downloads().add_place(page, parts_->bars);
+    hear_sign_ins();
+    hear_certificates();
+    connect(&page, &QWebEnginePage::loadFinished, this, [this](bool succeeded) {
+        if (!parts_)
+            return;
+        // The end of a load that another one has taken the place of is told as well.
+        if (page_.isLoading())
+            return;
+        parts_->deadline.load_ended();
+        // A process that dies under a load ends that first.
+        if (succeeded)
+            parts_->health.stayed();
+        parts_->dialogs.stayed();
+    });
+    connect(&page, &QWebEnginePage::renderProcessTerminated, this,
+            [this](QWebEnginePage::RenderProcessTerminationStatus status) {
+                // Going to another site may end the former one's process.
+                if (parts_ && status != QWebEnginePage::NormalTerminationStatus)
+                    parts_->deadline.stop();
+            });
+    QCoreApplication::instance()->installEventFilter(this);
+    view.setContextMenuPolicy(Qt::CustomContextMenu);
+    connect(&view, &QWidget::customContextMenuRequested, this, [this](QPoint at) { show_menu(at); });
+}
+
+PageComforts::~PageComforts() = default;
+
+bool PageComforts::leaving(std::function<void()> go) {
+    if (!parts_)
+        return false;
+    parts_->dialogs.leaving();
+    parts_->outside.leaving();
+    parts_->tools.leaving();
+    for (const auto& bar : {parts_->certificate, parts_->late, parts_->send_again})
+        PageBars::remove(bar);
+    cut_off_ = false;
+    began_ = false;
+    asked_by_post_ = false;
+    parts_->deadline.visit();
+    return parts_->health.leaving(std::move(go));
+}
+
+void PageComforts::reload_wanted(std::function<void()> reload) {
+    if (!parts_ || !shown_by_post_) {
+        reload();
+        return;
+    }
+    if (parts_->send_again && !parts_->send_again->isHidden())
+        return;
+    PageBar& bar = parts_->bars.add(QStringLiteral("SendAgain"));
+    parts_->send_again = &bar;
+    bar.set_heading(QStringLiteral("Send the form again?"));
+    bar.set_text(
+        QStringLiteral("This page came of a form that was sent. Loading it again sends the form once more."));
+    const auto take_away = [shown = QPointer<PageBar>(&bar)] { PageBars::remove(shown); };
+    bar.add_button(QStringLiteral("Send again"), [take_away, reload = std::move(reload)] {
+        take_away();
+        reload();
+    });
+    bar.add_button(QStringLiteral("Cancel"), take_away);
+    bar.take_focus();
+}
+
+void PageComforts::tell(const QString& heading, const QString& text) {
+    if (!parts_)
+        return;
+    PageBar& bar = parts_->bars.add(QStringLiteral("Notice"));
+    bar.set_heading(heading);
+    bar.set_text(text);
+    bar.add_button(QStringLiteral("OK"), [shown = QPointer<PageBar>(&bar)] { PageBars::remove(shown); });
+}
+
+void PageComforts::show_menu(QPoint place) {
+    if (parts_)
+        parts_->tools.show_menu(place);
+}
+
+void PageComforts::acted() { acted_.start(); }
+
+bool PageComforts::acted_just_now() const { return acted_.isValid() && acted_.elapsed() < time_of_an_act; }
+
+void PageComforts::began(const DocumentId& document) {
+    document_ = document;
+    const bool gone_to = !std::exchange(began_, true);
+    shown_by_post_ = asked_by_post_;
+    if (!parts_)
+        return;
+    parts_->dialogs.arrived();
+    if (gone_to)
+        parts_->outside.forget_refusals();
+    parts_->health.began();
+    parts_->health.set_sent_form(shown_by_post_);
+}
+
+void PageComforts::completed(const DocumentId& document) {
+    if (parts_ && document == document_)
+        parts_->deadline.arrived();
+}
+
+void PageComforts::alive() {
+    if (parts_)
+        parts_->health.alive();
+}
+
+void PageComforts::set_deadline(std::chrono::milliseconds time) {
+    if (parts_)
+        parts_->deadline.set_time(time);
+}
+
+void PageComforts::set_patience(std::chrono::milliseconds time) {
+    if (parts_)
+        parts_->health.set_patience(time);
+}
+
+void PageComforts::deadline_passed() {
+    if (profile_.waits().open()) {
+        // The engine stands still for a question; that is not the page's time.
+        parts_->deadline.visit();
+        return;
+    }
+    const bool hangs = !parts_->health.answers();
+    // Not the window's own Stop, which completes a document.
+    page_.triggerAction(QWebEnginePage::Stop);
+    cut_off_ = true;
+    if (hangs)
+        parts_->health.end_process();
+    PageBars::remove(parts_->late);
+    PageBar& bar = parts_->bars.add(QStringLiteral("PageLate"));
+    parts_->late = &bar;
+    bar.set_heading(QStringLiteral("This page took too long"));
+    bar.set_text(hangs    ? QStringLiteral("A script of it did not end. The page was stopped.")
+                 : began_ ? QStringLiteral("It was loading again and again, and was stopped.")
+                          : QStringLiteral("The site did not answer in time."));
+    const auto take_away = [shown = QPointer<PageBar>(&bar)] { PageBars::remove(shown); };
+    if (!asked_by_post_) {
+        bar.add_button(QStringLiteral("Try again"), [this, take_away] {
+            take_away();
+            actions_.open(asked_for_);
+        });
+    }
+    bar.add_button(QStringLiteral("Close"), take_away);
+}
+
+bool PageComforts::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() != QEvent::MouseButtonPress && event->type() != QEvent::KeyPress)
+        return false;
+    const auto* const widget = qobject_cast<QWidget*>(watched);
+    if (parts_ && widget != nullptr && place_.isAncestorOf(widget))
+        acted();
+    return false;
+}
+
+bool PageComforts::inside_engine() const { return parts_ && parts_->dialogs.open(); }
+
+void PageComforts::page_alert(const QUrl& origin, const QString& text) {
+    if (parts_)
+        parts_->dialogs.alert(origin, text);
+}
+
+bool PageComforts::page_confirm(const QUrl& origin, const QString& text) {
+    if (text == leave_question())
+        return !parts_ || parts_->dialogs.leave(origin);
+    return parts_ && parts_->dialogs.confirm(origin, text);
+}
+
+std::optional<QString> PageComforts::page_prompt(const QUrl& origin, const QString& text,
+                                                 const QString& preset) {
+    return parts_ ? parts_->dialogs.prompt(origin, text, preset) : std::nullopt;
+}
+
+QStringList PageComforts::files_wanted(QWebEnginePage::FileSelectionMode mode, const QStringList& types) {
+    EngineWaits& waits = profile_.waits();
+    if (!parts_ || !place_.isVisible() || waits.program_busy() || waits.open())
+        return {};
+    const EngineWaits::Open standing_still(waits);
+    return choose_files(place_, mode, types);
+}
+
+bool PageComforts::may_navigate(const QUrl& url, QWebEnginePage::NavigationType type, bool top_level) {
+    const bool of_page = type != QWebEnginePage::NavigationTypeTyped &&
+                         type != QWebEnginePage::NavigationTypeBackForward &&
+                         type != QWebEnginePage::NavigationTypeReload;
+    // The engine keeps pages of the network from local files; this is the second lock.
+    if (of_page && url.isLocalFile() && !page_.url().isLocalFile())
+        return false;
+    if (!top_level)
+        return true;
+    if (of_page && parts_) {
+        if (acted_just_now()) {
+            cut_off_ = false;
+            parts_->deadline.visit();
+        } else if (cut_off_) {
+            return false;
+        } else {
+            parts_->deadline.navigates();
+        }
+    }
+    asked_for_ = url;
+    return true;
+}
+
+void PageComforts::requesting(const QByteArray& method, bool top_level) {
+    if (top_level)
+        asked_by_post_ = method == "POST";
+}
+
+void PageComforts::address_refused(const QUrl& url, bool by_user) {
+    if (!parts_)
+        return;
+    if (by_user)
+        parts_->outside.forget_refusals();
+    parts_->outside.wanted(url, shown_host(page_.url()));
+}
+
+void PageComforts::hear_sign_ins() {
+    const auto answer = [this](QAuthenticator* authenticator,
+                               const std::optional<PageDialogs::SignIn>& given) {
+        if (!given) {
+            *authenticator = QAuthenticator(); // what the engine takes for a refusal
+            return;
+        }
+        authenticator->setUser(given->user);
+        authenticator->setPassword(given->password);
+    };
+    connect(&page_, &QWebEnginePage::authenticationRequired, this,
+            [this, answer](const QUrl& url, QAuthenticator* authenticator) {
+                answer(authenticator,
+                       parts_ ? parts_->dialogs.sign_in(url, authenticator->realm()) : std::nullopt);
+            });
+    connect(&page_, &QWebEnginePage::proxyAuthenticationRequired, this,
+            [this, answer](const QUrl& url, QAuthenticator* authenticator, const QString& proxy) {
+                answer(authenticator,
+                       parts_ ? parts_->dialogs.sign_in(url, authenticator->realm(), proxy) : std::nullopt);
+            });
+}
+
+void PageComforts::hear_certificates() {
+    connect(&page_, &QWebEnginePage::certificateError, this, [this](const QWebEngineCertificateError& error) {
+        // Of a part of the page (a picture, a frame): it is left out, and the page works without it.
+        if (!parts_ || error.url().host() != asked_for_.host() || error.url().port() != asked_for_.port())
+            return;
+        PageBars::remove(parts_->certificate);
+        PageBar& bar = parts_->bars.add(QStringLiteral("CertificateError"));
+        parts_->certificate = &bar;
+        bar.set_heading(QStringLiteral("This page is not safe"));
+        bar.set_text(certificate_words(error.type(), shown_host(error.url()), error.description()));
+        bar.add_button(QStringLiteral("OK"), [shown = QPointer<PageBar>(&bar)] { PageBars::remove(shown); });
+    });
+}
+
+} // namespace kestrune

@@ -1,0 +1,217 @@
+#include "platform/qt/page_dialogs.h"
+
+#include "platform/qt/engine_waits.h"
+
+#include <QCheckBox>
+#include <QEvent>
+#include <QEventLoop>
+#include <QLineEdit>
+#include <QPushButton>
+
+#include <utility>
+
+namespace kestrune {
+namespace {
+
+constexpr std::size_t most_messages = 20; // that wait to be read
+constexpr int most_in_vain = 20;          // from a page that is being left
+
+QString says(const QUrl& origin) { return shown_host(origin) + QStringLiteral(" says:"); }
+
+} // namespace
+
+// Outlives the dialogs when they end while it is open.
+struct PageDialogs::Question {
+    QEventLoop loop;
+    bool yes = false;
+};
+
+QString shown_host(const QUrl& url) {
+    const QString host = url.host(QUrl::FullyEncoded);
+    if (host.isEmpty())
+        return QStringLiteral("The page");
+    return url.port() < 0 ? host : host + u':' + QString::number(url.port());
+}
+
+PageDialogs::PageDialogs(PageBars& bars, QWidget& place, EngineWaits& waits, Pestered pestered)
+    : bars_(bars), place_(place), waits_(waits), pestered_(std::move(pestered)) {
+    place_.installEventFilter(this);
+}
+
+PageDialogs::~PageDialogs() { give_up(); }
+
+void PageDialogs::alert(const QUrl& origin, const QString& text) {
+    if (may_speak())
+        tell(origin, text);
+}
+
+bool PageDialogs::confirm(const QUrl& origin, const QString& text) {
+    if (!may_speak())
+        return false;
+    if (!may_ask()) {
+        tell(origin, text + QStringLiteral("\n(Answered with Cancel, because the program was busy.)"));
+        return false;
+    }
+    PageBar& bar = add_bar(QStringLiteral("PageConfirm"), says(origin), text);
+    return ask(bar, QStringLiteral("OK"), QStringLiteral("Cancel"));
+}
+
+std::optional<QString> PageDialogs::prompt(const QUrl& origin, const QString& text, const QString& preset) {
+    if (!may_speak())
+        return std::nullopt;
+    if (!may_ask()) {
+        tell(origin, text + QStringLiteral("\n(Answered with Cancel, because the program was busy.)"));
+        return std::nullopt;
+    }
+    PageBar& bar = add_bar(QStringLiteral("PagePrompt"), says(origin), text);
+    const QPointer<QLineEdit> field = &bar.add_field({}, QStringLiteral("Answer"));
+    field->setText(preset);
+    field->selectAll();
+    if (!ask(bar, QStringLiteral("OK"), QStringLiteral("Cancel")) || !field)
+        return std::nullopt;
+    return field->text();
+}
+
+std::optional<PageDialogs::SignIn> PageDialogs::sign_in(const QUrl& url, const QString& realm,
+                                                        const QString& proxy) {
+    if (silenced_ || !may_ask())
+        return std::nullopt;
+    const QString asker = proxy.isEmpty() ? shown_host(url) : QStringLiteral("The proxy ") + proxy;
+    const bool open_line = proxy.isEmpty() && url.scheme() != QLatin1String("https");
+    PageBar& bar = add_bar(
+        QStringLiteral("SignIn"), asker + QStringLiteral(" asks you to sign in:"),
+        realm + (open_line ? QStringLiteral("\nWhat you enter can be read on its way there.") : QString()));
+    const QPointer<QLineEdit> user = &bar.add_field(QStringLiteral("Name:"), QStringLiteral("User"));
+    const QPointer<QLineEdit> password =
+        &bar.add_field(QStringLiteral("Password:"), QStringLiteral("Password"));
+    password->setEchoMode(QLineEdit::Password);
+    if (!ask(bar, QStringLiteral("Sign in"), QStringLiteral("Cancel")) || !user || !password)
+        return std::nullopt;
+    return SignIn{user->text(), password->text()};
+}
+
+bool PageDialogs::leave(const QUrl& origin) {
+    if (leaving_ || silenced_ || !may_ask())
+        return true;
+    ++spoken_;
+    PageBar& bar = add_bar(QStringLiteral("PageLeave"), says(origin),
+                           QStringLiteral("Leave this page? What you entered there may not be kept."));
+    return ask(bar, QStringLiteral("Leave"), QStringLiteral("Stay"));
+}
+
+void PageDialogs::leaving() {
+    gave_up_ = gave_up_ || question_ != nullptr;
+    give_up();
+    take_messages_away();
+    spoken_ = 0;
+    silenced_ = false;
+    leaving_ = true;
+    spoken_in_vain_ = 0;
+}
+
+void PageDialogs::take_messages_away() {
+    messages_.clear();
+    PageBars::remove(message_bar_);
+    message_bar_.clear();
+}
+
+bool PageDialogs::may_speak() {
+    // A page that speaks without end never comes to the point where it could be left.
+    if ((leaving_ || gave_up_) && ++spoken_in_vain_ == most_in_vain) {
+        gave_up_ = true;
+        take_messages_away();
+        pestered_();
+    }
+    if (silenced_ || gave_up_)
+        return false;
+    ++spoken_;
+    return true;
+}
+
+bool PageDialogs::may_ask() const {
+    return question_ == nullptr && place_.isVisible() && !waits_.open() && !waits_.program_busy();
+}
+
+void PageDialogs::tell(const QUrl& origin, const QString& text) {
+    if (messages_.size() >= most_messages)
+        return;
+    messages_.push_back({says(origin), text});
+    if (message_bar_) {
+        // One may be silenced that stands there already, now that there is more than one.
+        if (message_bar_->findChild<QCheckBox*>() == nullptr)
+            add_silencer(*message_bar_);
+    } else {
+        show_next_message();
+    }
+}
+
+void PageDialogs::show_next_message() {
+    if (messages_.empty())
+        return;
+    message_bar_ = &add_bar(QStringLiteral("PageAlert"), messages_.front().heading, messages_.front().text);
+    message_bar_->add_button(QStringLiteral("OK"), [this] { message_read(); });
+}
+
+void PageDialogs::message_read() {
+    const bool had_keyboard = message_bar_ && message_bar_->isAncestorOf(place_.window()->focusWidget());
+    PageBars::remove(message_bar_);
+    message_bar_.clear();
+    if (silenced_)
+        messages_.clear();
+    else
+        messages_.pop_front();
+    show_next_message();
+    if (had_keyboard && message_bar_)
+        message_bar_->take_focus();
+}
+
+PageBar& PageDialogs::add_bar(const QString& name, const QString& heading, const QString& text) {
+    PageBar& bar = bars_.add(name);
+    bar.set_heading(heading);
+    bar.set_text(text);
+    if (spoken_ >= 2)
+        add_silencer(bar);
+    return bar;
+}
+
+void PageDialogs::add_silencer(PageBar& bar) {
+    QCheckBox& silencer =
+        bar.add_check(QStringLiteral("Show nothing more of this page"), QStringLiteral("Silence"));
+    connect(&silencer, &QCheckBox::toggled, this, [this](bool on) { silenced_ = on; });
+}
+
+bool PageDialogs::ask(PageBar& bar, const QString& yes, const QString& no) {
+    const auto question = std::make_shared<Question>();
+    const QPointer<PageBar> shown(&bar);
+    const QPointer<PageDialogs> self(this);
+    question_ = question;
+    bar.add_button(yes, [question] {
+        question->yes = true;
+        question->loop.quit();
+    });
+    bar.add_button(no, [question] { question->loop.quit(); });
+    bar.take_focus();
+    const EngineWaits::Open standing_still(waits_);
+    question->loop.exec();
+    PageBars::remove(shown);
+    if (!self)
+        return false;
+    question_.reset();
+    return question->yes;
+}
+
+void PageDialogs::give_up() {
+    if (!question_)
+        return;
+    question_->yes = false;
+    question_->loop.quit();
+}
+
+bool PageDialogs::eventFilter(QObject* watched, QEvent* event) {
+    // The window has gone behind another one, or for good.
+    if (watched == &place_ && event->type() == QEvent::Hide)
+        give_up();
+    return false;
+}
+
+} // namespace kestrune

@@ -1,0 +1,104 @@
+#pragma once
+
+#include "platform/qt/page_bar.h"
+
+#include <QObject>
+#include <QPointer>
+#include <QString>
+#include <QUrl>
+
+#include <deque>
+#include <functional>
+#include <memory>
+#include <optional>
+
+namespace kestrune {
+
+class EngineWaits;
+
+// The dialogs that pages open: messages, questions, prompts and sign-ins, shown in the page's place.
+//
+// A message keeps neither its page nor the program waiting: it stands there until it is read. A question
+// needs an answer, so its page waits, and the engine with it; therefore it is asked only of a user who can
+// see it and while the program is in the middle of nothing, and it is given up as soon as the page is to be
+// left. Otherwise it is answered at once in the way that does least, and said so. From the second dialog on
+// the user can silence a page.
+class PageDialogs : public QObject {
+public:
+    struct SignIn {
+        QString user;
+        QString password;
+    };
+
+    // A page that is being left keeps asking; `pestered` has to end it. Called from inside the engine.
+    using Pestered = std::function<void()>;
+    // All outlive the dialogs; `place` is where the page is shown.
+    PageDialogs(PageBars& bars, QWidget& place, EngineWaits& waits, Pestered pestered);
+    ~PageDialogs() override;
+    PageDialogs(const PageDialogs&) = delete;
+    PageDialogs& operator=(const PageDialogs&) = delete;
+    PageDialogs(PageDialogs&&) = delete;
+    PageDialogs& operator=(PageDialogs&&) = delete;
+
+    void alert(const QUrl& origin, const QString& text);
+    bool confirm(const QUrl& origin, const QString& text);
+    std::optional<QString> prompt(const QUrl& origin, const QString& text, const QString& preset);
+    // `realm` in the site's own words; `proxy` when a proxy asks, not the site.
+    std::optional<SignIn> sign_in(const QUrl& url, const QString& realm, const QString& proxy = {});
+    // Whether a page that would rather not be left is left.
+    bool leave(const QUrl& origin);
+
+    // The user or the program leaves the page: what it asks is given up, what it says is taken away, and
+    // whoever comes next may speak again. A page that asks whether it may be left is not heard until
+    // `arrived`.
+    void leaving();
+    void stayed() { leaving_ = false; }
+    void arrived() {
+        leaving_ = false;
+        gave_up_ = false;
+        spoken_in_vain_ = 0;
+    }
+
+    // A question is open: the engine is inside a call of its own.
+    [[nodiscard]] bool open() const { return question_ != nullptr; }
+
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    struct Question;
+    struct Message {
+        QString heading;
+        QString text;
+    };
+
+    // Whether a page may say anything now; counts it.
+    bool may_speak();
+    [[nodiscard]] bool may_ask() const;
+    void tell(const QUrl& origin, const QString& text);
+    void show_next_message();
+    void message_read();
+    PageBar& add_bar(const QString& name, const QString& heading, const QString& text);
+    void add_silencer(PageBar& bar);
+    // Waits for the answer: whether the first button was pressed. False also when nobody is left to ask.
+    bool ask(PageBar& bar, const QString& yes, const QString& no);
+    void give_up();
+    void take_messages_away();
+
+    PageBars& bars_;
+    QWidget& place_;
+    EngineWaits& waits_;
+    std::deque<Message> messages_;
+    QPointer<PageBar> message_bar_;
+    std::shared_ptr<Question> question_;
+    Pestered pestered_;
+    int spoken_ = 0;
+    int spoken_in_vain_ = 0; // since it is being left
+    bool silenced_ = false;
+    bool leaving_ = false;
+    bool gave_up_ = false; // its question, because it is being left; it may ask again and again
+};
+
+// The address's host as a user can tell it from others, with its port.
+QString shown_host(const QUrl& url);
+
+} // namespace kestrune
