@@ -70,6 +70,7 @@ private:
     void visit(const Kind& kind);
     void await_end(const Kind& kind);
     void note(Browser& made);
+    void answer_page();
     void close_pop_up();
     void kill_page();
     void answer(QDialog& dialog);
