@@ -38,13 +38,14 @@ std::optional<int> parent_of(const fs::path& process) {
 
 std::size_t proportional_kib(const fs::path& process) {
     std::ifstream file(process / "smaps_rollup");
+    std::size_t sum = 0;
     std::string word;
     while (file >> word) {
         std::size_t value = 0;
-        if (word == "Pss:" && file >> value)
-            return value;
+        if ((word == "Pss_Anon:" || word == "Pss_Shmem:") && file >> value)
+            sum += value;
     }
-    return 0;
+    return sum;
 }
 
 std::multimap<int, int> children_by_parent() {
