@@ -142,6 +142,7 @@ void Soak::visit(const Kind& kind) {
                                    std::string(what));
     };
     try {
+        server_.log().clear(); // what it keeps is not the program's
         driver_.press("cmdPlayback");
         await_end(kind);
         if (kind.event == Kind::Event::page_dies)
