@@ -63,8 +63,8 @@ public:
     // The program ends once the current event has been served.
     virtual void EndProgram() = 0;
 
-    // Forgets what sites have stored on this computer: sign-ins and cookies at once, the rest when the program
-    // starts the next time.
+    // Forgets what sites have stored on this computer: sign-ins and cookies at once, the rest when the
+    // program starts the next time.
     virtual void forget_sites() = 0;
 
     // For the About dialog: the engine's name, version and security state, one line each.

@@ -11,7 +11,8 @@
 namespace kestrune::practice {
 namespace {
 
-// An answer that hangs keeps its thread when the browser has long gone on, and a soak meets a hundred of them.
+// An answer that hangs keeps its thread when the browser has long gone on, and a soak meets a hundred of
+// them.
 constexpr std::size_t connections_at_once = 512;
 
 // The library takes multipart bodies apart and drops their bytes; under this name it does not recognise them.
