@@ -1,5 +1,6 @@
 #include "filling/page_processing.h"
 
+#include "filling/document_origin.h"
 #include "filling/form_replay.h"
 #include "filling/form_tags.h"
 #include "platform/text.h"
@@ -105,6 +106,8 @@ void ProcessDocument(LivePage& page, std::string_view mode, std::string_view rec
     // The number of frames is that of the moment: a question may have given the page time to change.
     for (std::size_t i = 0; page.frame(i) != nullptr; ++i) {
         const auto frame = [&page, i] { return page.frame(i); };
+        if (mode != "LINK" && !shares_records(*frame(), *page.document(), recordAction))
+            continue;
         if (apply_mode(page, frame, mode, recordAction, recordPostdata, window))
             return;
     }

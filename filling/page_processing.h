@@ -37,7 +37,8 @@ void OnDocumentComplete(const PageProcessing& window, PageDocument image);
 // Hands the frames of the page in order, then the page's own document, to what the mode stands for: "LINK"
 // the link search (while it is armed), "CHECK" the form reader, "WRITE" the form replay, anything else the
 // form replay reading back into recordPostdata. "WRITE" ends at the first document in which a form was
-// filled; when there is none, the user is told once that nothing could be pressed.
+// filled; when there is none, the user is told once that nothing could be pressed. Frames of strangers take
+// part in the link search only (see shares_records).
 void ProcessDocument(LivePage& page, std::string_view mode, std::string_view recordAction,
                      std::string& recordPostdata, const PageProcessing& window);
 

@@ -84,6 +84,10 @@ struct PageParts {
 struct PageDocument {
     DocumentId id;
     std::string url;
+    // Whose page it is, as browsers tell it: "http://site:81", or "null" for one that belongs to nobody else
+    // (data: addresses, sandboxed frames). Blank and written frames have that of the page that made them,
+    // which their address does not tell. "" where nothing is known but the address.
+    std::string origin;
     PageParts parts; // what this image holds besides
     // Where "<form " occurs in documentElement.innerHTML, letter case ignored: the text from there through
     // the next ">", one entry for each, in order; the search goes on after that ">" and ends at a hit without

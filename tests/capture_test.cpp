@@ -216,6 +216,17 @@ TEST_F(CaptureTest, FormOfAFrameIsRecordedUnderTheFramesAddress) {
     EXPECT_EQ(record().Url, "http://a.b/frame");
 }
 
+TEST_F(CaptureTest, FrameOfAnotherOriginAddsNothingToTheRecordOfAFormOfThePage) {
+    PageDocument page = page_of_forms(page_url, {form_of("add.php", {element("text", "a", "mine")})});
+    page.frames = {
+        page_of_forms("http://stranger/", {form_of("add.php", {element("text", "token", "a stranger's")})})};
+    show(page);
+    expect_capture();
+    browser().page_submits(
+        {.top_level = true, .url = "http://a.b/add.php", .postdata = "a=mine&token=added"});
+    EXPECT_EQ(record().Postdata, "a=mine&token=added");
+}
+
 TEST_F(CaptureTest, FieldsAreRecordedAsTheyStandWhenTheFormIsSubmitted) {
     PageElement list = list_of("select-one", "category", {{"Choose", "0"}, {"Games", "3"}});
     list.options[1].selected = true;

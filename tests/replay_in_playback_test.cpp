@@ -101,6 +101,44 @@ TEST_F(ReplayInPlaybackTest, FramesetDocumentIsFilledWhenNoFrameHoldsTheForm) {
     EXPECT_EQ(filled(), "1");
 }
 
+TEST_F(ReplayInPlaybackTest, FrameOfAnotherOriginIsPassedOverHoweverMuchItsFormLooksLikeTheRecordedOne) {
+    add_record("k", "My form", "http://site/");
+    window().mnuPromptFill.choose();
+    PageDocument page = page_of_forms("http://site/", {form()});
+    page.frames = {form_page("http://stranger/0")};
+    page.frames[0].forms[0].action = "http://site/add.cgi";
+    open_site(page);
+    arrive();
+    EXPECT_EQ(filled(0), "");
+    EXPECT_EQ(filled(), "1");
+}
+
+TEST_F(ReplayInPlaybackTest, BlankFrameOfAStrangerIsPassedOverAndOneOfThePageIsFilled) {
+    add_record("k", "My form", "http://site/");
+    window().mnuPromptFill.choose();
+    PageDocument page = page_of_forms("http://site/", {});
+    page.origin = "http://site";
+    page.frames = {form_page("about:blank"), form_page("about:blank")};
+    page.frames[0].origin = "http://stranger";
+    page.frames[1].origin = "http://site";
+    open_site(page);
+    arrive();
+    EXPECT_EQ(filled(0), "");
+    EXPECT_EQ(filled(1), "1");
+}
+
+TEST_F(ReplayInPlaybackTest, FrameOfTheOriginThatTheRecordWasSentToIsFilled) {
+    window().lvwPermanent.add(
+        ItemOf("k", {"Form", "My form", "http://site/", "http://forms.host:81/add.cgi", "a=1", "", ""}));
+    window().mnuPromptFill.choose();
+    PageDocument page = page_of_forms("http://site/", {});
+    page.frames = {form_page("http://forms.host/0"), form_page("http://forms.host:81/1")};
+    open_site(page);
+    arrive();
+    EXPECT_EQ(filled(0), "");
+    EXPECT_EQ(filled(1), "1");
+}
+
 TEST_F(ReplayInPlaybackTest, FrameOfTheRecordsAddressIsFilledWhenItCompletes) {
     add_record("k", "My form", "http://site/1");
     window().mnuPromptFill.choose();

@@ -62,6 +62,7 @@ PageDocument read_document(const QJsonObject& shown, PageParts parts, int depth)
     if (document.id.empty())
         return document;
     document.url = text_of(shown[u"url"]);
+    document.origin = text_of(shown[u"origin"]);
     document.parts = parts;
     for (const QJsonValue& tag : shown[u"tags"].toArray())
         document.form_tags.push_back(text_of(tag));

@@ -55,6 +55,21 @@ TEST_F(EngineFrames, the_image_holds_frames_of_any_origin_in_their_order) {
     EXPECT_EQ(page.frames[2].parts, everything);
 }
 
+TEST_F(EngineFrames, each_document_tells_whose_it_is_whatever_its_address) {
+    server_.page("/top", three_origins() + "<iframe></iframe><iframe srcdoc='<a href=/x>x</a>'></iframe>"
+                                           "<iframe src='data:text/html,<a href=/x>x</a>'></iframe>"
+                                           "<iframe sandbox src=/one></iframe><iframe name=origin></iframe>");
+    const PageDocument page = open(server_.url("/top"));
+    const std::string own = page.url.substr(0, page.url.rfind('/'));
+    EXPECT_EQ(page.origin, own);
+    std::vector<std::string> origins;
+    for (const PageDocument& frame : page.frames)
+        origins.push_back(frame.origin);
+    const std::string port = ":" + std::to_string(server_.port());
+    EXPECT_THAT(origins, ElementsAre(own, "http://127.0.0.2" + port, "http://localhost" + port, own, own,
+                                     "null", "null", own));
+}
+
 TEST_F(EngineFrames, a_frameset_has_its_frames) {
     server_.page("/top", "<frameset cols='30%,*'><frame src=/one><frame src='" +
                              server_.url("/two", "127.0.0.2") + "'></frameset>");

@@ -132,6 +132,29 @@ TEST_F(EngineMenu, a_dismissed_click_reaches_the_page_once_and_brings_the_browse
     EXPECT_THAT(probe_.menus, SizeIs(1));
 }
 
+TEST_F(EngineMenu, a_frame_that_nobody_can_see_is_not_what_the_menu_was_asked_for) {
+    server_.page("/over", "<!doctype html><body style='margin:0'>" + box(0, 0, "name=evil"));
+    for (const char* hidden : {"opacity:0.01", "filter:opacity(0)"}) {
+        for (const char* host : {"127.0.0.1", "127.0.0.2"}) {
+            const PageDocument page = open_page(
+                box(0, 0, "name=a") + "<div style='" + hidden + "'><iframe src='" +
+                server_.url("/over", host) +
+                "' style='position:fixed;left:0;top:0;width:200px;height:90px;border:0'></iframe></div>");
+            press_right(50, 10);
+            EXPECT_TRUE(own_menu_shows()) << "the browser's, as everywhere else";
+            if (QWidget* const menu = QApplication::activePopupWidget())
+                menu->close();
+            browser_->apply({{PageEdit::Kind::focus, page.frames.at(0).inputs.at(0).ref}});
+            EXPECT_TRUE(wait_until([&] { return focused(page.frames[0].id) == "evil"; }));
+            press_key(Qt::Key_Menu);
+            EXPECT_TRUE(own_menu_shows());
+            if (QWidget* const menu = QApplication::activePopupWidget())
+                menu->close();
+            EXPECT_THAT(probe_.menus, ::testing::IsEmpty()) << hidden << " " << host;
+        }
+    }
+}
+
 TEST_F(EngineMenu, a_page_that_forbids_menus_does_not_keep_ours_away) {
     const PageDocument page =
         open_page("<script>oncontextmenu = onmousedown = () => false</script>" + box(0, 0, "name=a"));

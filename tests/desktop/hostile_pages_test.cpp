@@ -91,7 +91,9 @@ INSTANTIATE_TEST_SUITE_P(
         "document.open(); document.write('<form action=/evil><input name=name></form>'); document.close()"));
 
 TEST_F(HostilePages, AnInvisibleFrameOverTheFormGetsNothing) {
-    server().page("/overlay", spy_ + "<form action=/evil method=post><input name=name></form>");
+    // Its form is to the letter the recorded one.
+    server().page("/overlay",
+                  spy_ + "<form action='" + url("/post") + "' method=post><input name=name></form>");
     server().page("/page", "<form action='" + url("/post") +
                                "' method=post><input name=name></form><iframe src='" +
                                server().url("/overlay", "127.0.0.2") +
@@ -100,6 +102,7 @@ TEST_F(HostilePages, AnInvisibleFrameOverTheFormGetsNothing) {
     start();
     window().mnuManualClick.choose();
     fill("/page", [] { return true; });
+    EXPECT_EQ(questions_.size(), 1U);
     let_everything_happen();
     EXPECT_THAT(everything_sent(), Not(HasSubstr(secret)));
 }

@@ -91,6 +91,19 @@
         return null;
     }
 
+    // Whether the element is let through to the eye, as far as its own document tells.
+    function isSeen(view, element) {
+        let seen = 1;
+        for (let node = element; node; node = native.nodeType(node) === 11 ? native.host(node) : native.parent(node)) {
+            if (native.nodeType(node) !== 1)
+                continue;
+            const style = view.getComputedStyle(node);
+            const filters = /opacity\(([\d.]+)/.exec(style.filter);
+            seen *= parseFloat(style.opacity) * (filters ? parseFloat(filters[1]) : 1);
+        }
+        return seen > 0.1;
+    }
+
     // The frame that an element shows, as a place among the window's frames and a box in the window, or null.
     function frameOf(view, element) {
         if (!frames.has(native.localName(element)))
@@ -131,7 +144,7 @@
         }
 
         image(parts) {
-            const image = { id: this.id, url: this.url };
+            const image = { id: this.id, url: this.url, origin: this.view.origin };
             const root = native.root(this.document);
             if (!root)
                 return image;
@@ -177,12 +190,14 @@
         }
 
         // The field at a point of the window gets the focus, as it would under the mouse. Tells the point, and the
-        // frame when it lies in one.
+        // frame when it lies in one; null when that frame is one that nobody can see, so that it was not meant.
         pointAt({ x, y }) {
             let element = native.at(this.document, x, y);
             for (let inner = element; inner; inner = nextInner(inner, x, y))
                 element = inner;
             const frame = element && frameOf(this.view, element);
+            if (frame && !isSeen(this.view, element))
+                return null;
             if (frame)
                 return { frame, x: (x - frame.left) / frame.across, y: (y - frame.top) / frame.down };
             const field = fieldAt(element);
@@ -196,10 +211,12 @@
             return { x, y };
         }
 
-        // Where what has the focus stands, and the frame when it is in one.
+        // Where what has the focus stands, and the frame when it is in one; null as above.
         focusPlace() {
             const active = this.deepActive();
             const frame = active && frameOf(this.view, active);
+            if (frame && !isSeen(this.view, active))
+                return null;
             if (frame)
                 return { frame, x: 0, y: 0 };
             if (!active || !isField(active))

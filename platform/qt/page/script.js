@@ -25,7 +25,7 @@
 //   {event: "complete", url}, {event: "gone"}, {event: "submit", form, ...}, {answer: number, value}
 // Top frame to frame, over the port: {ask: "image" | "apply" | "stop" | "ping" | "pointAt" | "focusPlace", number, value}
 //
-// An image is {id, url, tags: [text], links: [[element, text]], forms: [form], inputs: [element], active: element,
+// An image is {id, url, origin, tags: [text], links: [[element, text]], forms: [form], inputs: [element], active: element,
 // source, frames: [image]}. A form is {element, id, action, actionInput, elements}; an element {element, type, name,
 // value, src, checked, options: [[element, text, value, selected]], label, from}; what is empty or false is left out.
 (function (files, config) {

@@ -141,6 +141,7 @@
                 image.id = one.id;
                 one.readUrl(image.url);
                 image.url = one.url;
+                image.origin = one.origin;
             }
             image.frames = below;
             return image;
