@@ -37,7 +37,11 @@ std::string trimmed(std::string text) {
     return text.substr(std::min(text.find_first_not_of(' '), text.size()));
 }
 
-std::string label_sized(std::string text) { return text.size() > longest_label ? std::string() : text; }
+std::string label_sized(std::string text) {
+    if (text.size() > longest_label)
+        text.clear();
+    return text;
+}
 
 bool holds_field(const SourceCell& cell) { return cell.fields > 0; }
 bool holds_control(const SourceCell& cell) { return cell.fields > 0 || cell.checks > 0; }
@@ -273,11 +277,11 @@ std::vector<RowLabels::Line> RowLabels::lines_of(const SourceCell& cell) const {
 void RowLabels::read_cell(const SourceCell& cell, const std::string& beside, Labels& labels) const {
     const std::vector<Line> lines = lines_of(cell);
     if (is_single(cell.fields, cell.checks)) {
-        std::string whole = joined(beside, text_of(cell));
+        const std::string whole = joined(beside, text_of(cell));
         if (whole.size() <= longest_label) {
             for (const Line& line : lines) {
                 if (!line.controls.empty())
-                    labels[line.controls[0]] = trimmed(std::move(whole));
+                    labels[line.controls[0]] = trimmed(whole);
             }
             return;
         }

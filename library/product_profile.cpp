@@ -4,6 +4,7 @@
 #include "platform/decoding.h"
 #include "platform/text_file.h"
 
+#include <algorithm>
 #include <memory>
 #include <utility>
 
@@ -159,11 +160,11 @@ void FrmPreference::add_rows() {
 }
 
 void FrmPreference::add_hint(TextBox& box, std::string caption) {
-    for (Row& row : Rows) {
-        if (row.Field == &box)
-            row.Hint =
-                hints_.emplace_back(std::make_unique<Label>(box.Name + ".Hint", std::move(caption))).get();
-    }
+    const auto row =
+        std::find_if(Rows.begin(), Rows.end(), [&box](const Row& one) { return one.Field == &box; });
+    if (row != Rows.end())
+        row->Hint =
+            hints_.emplace_back(std::make_unique<Label>(box.Name + ".Hint", std::move(caption))).get();
 }
 
 void FrmPreference::count_characters(const ProfileField& field) {

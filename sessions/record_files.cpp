@@ -41,7 +41,7 @@ std::string shortened(std::string_view name) {
 
 } // namespace
 
-RecordFiles::RecordFiles(Files& files, std::string program_folder)
+RecordFiles::RecordFiles(Files& files, const std::string& program_folder)
     : files_(files), session_(files.path(program_folder, "session")),
       backup_(files.path(program_folder, "backup")) {}
 

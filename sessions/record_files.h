@@ -22,7 +22,7 @@ inline constexpr std::string_view profile_file_name = "Kestrune.xml";
 class RecordFiles {
 public:
     // program_folder holds (or will hold) the folders "session" and "backup". files outlives this object.
-    RecordFiles(Files& files, std::string program_folder);
+    RecordFiles(Files& files, const std::string& program_folder);
 
     // Full path of the session folder.
     [[nodiscard]] const std::string& gstrSessionPath() const { return session_; }

@@ -25,6 +25,7 @@ protected:
 
     static PageDocument page_with(const std::vector<std::string>& actions) {
         std::vector<PageForm> forms;
+        forms.reserve(actions.size());
         for (const std::string& action : actions)
             forms.push_back(form_of(action, {}));
         return page_of_forms(page_url, forms);

@@ -251,6 +251,7 @@ TYPED_TEST(DatabaseContract, DeletingAffectsTheCurrentRowOnly) {
 
 TYPED_TEST(DatabaseContract, WalkThatChangesWhatItIsOrderedByMeetsEachRowOnce) {
     std::vector<SiteRow> rows;
+    rows.reserve(1200);
     for (int key = 0; key < 1200; ++key)
         rows.push_back(site(key, "site " + std::to_string(100000 + key)));
     this->libraries.create(lib, rows);

@@ -95,6 +95,7 @@ protected:
             files.push_back(entry.path());
         std::sort(files.begin(), files.end());
         std::vector<std::string> inputs;
+        inputs.reserve(files.size());
         for (const fs::path& file : files)
             inputs.push_back(bytes_of(file.string()));
         return inputs;

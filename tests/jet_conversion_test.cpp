@@ -61,7 +61,7 @@ protected:
     void SetUp() override { KESTRUNE_NEED_JET_SAMPLES(); }
 
     std::string bring(const std::string& sample, const std::string& name = "SubmitList.mdb") {
-        const std::string path = folder.file(name);
+        std::string path = folder.file(name);
         fs::copy_file(jet_sample(sample), path);
         fs::permissions(path, fs::perms(0644));
         return path;

@@ -10,7 +10,7 @@
 namespace kestrune {
 namespace {
 
-using std::string_literals::operator""s;
+using namespace std::string_literals;
 
 TEST(JetText, Utf16IsRead) { EXPECT_EQ(jet4_text("A\0\xe9\0\xac\x20"s), "Aé€"); }
 

@@ -22,8 +22,6 @@
 namespace kestrune {
 namespace {
 
-namespace fs = std::filesystem;
-
 constexpr int rounds = 100;
 constexpr int kept_records = 12;
 constexpr int versions_per_round = 100000;

@@ -173,13 +173,14 @@ private:
             MemoryTable values;
             values.columns = columns;
             MemoryDatabase::add_site(values, row);
-            std::string names;
+            std::string statement = "INSERT INTO tblSubmitList(";
             std::string marks;
             for (const std::string& column : columns) {
-                names += (names.empty() ? "" : ", ") + column;
+                statement.append(marks.empty() ? "" : ", ").append(column);
                 marks += marks.empty() ? "?" : ", ?";
             }
-            SqliteQuery insert{raw, "INSERT INTO tblSubmitList(" + names + ") VALUES(" + marks + ")"};
+            statement.append(") VALUES(").append(marks).append(")");
+            SqliteQuery insert{raw, statement};
             for (std::size_t i = 0; i < columns.size(); ++i)
                 insert.bind(static_cast<int>(i) + 1, values.rows.front().values[i]);
             insert.step();

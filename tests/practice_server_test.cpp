@@ -136,7 +136,7 @@ TEST_F(Practice, RequestIsInTheLogWithMethodPathHeadersAndBodyBytes) {
     site("a");
     write("a/form.html", "ok");
     serve();
-    const std::string body("x=1\0&y=\xFF\r\n", 11);
+    const std::string body("x=1\0&y=\xFF\r\n", 10);
     const auto answer = client("a").Post("/form.html?q=1%202", {{"X-Extra", "yes"}}, body,
                                          "application/x-www-form-urlencoded");
     EXPECT_EQ(answer->status, 200);

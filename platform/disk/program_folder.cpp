@@ -57,7 +57,7 @@ ProgramFolders find_program_folders() {
 
 std::string user_data_folder() {
     // A relative path there counts as none.
-    if (const std::string data = variable("XDG_DATA_HOME"); data.starts_with('/'))
+    if (std::string data = variable("XDG_DATA_HOME"); data.starts_with('/'))
         return data;
     std::string home = variable("HOME");
     if (home.empty()) {
