@@ -68,7 +68,7 @@ private:
     std::function<PageRequests*()> requests_;
 };
 
-QString random_token() {
+QString random_key() {
     std::array<quint32, 8> words{};
     QRandomGenerator::system()->fillRange(words.data(), words.size());
     return QString::fromLatin1(QByteArray(reinterpret_cast<const char*>(words.data()), sizeof words).toHex());
@@ -103,7 +103,7 @@ EnginePage::EnginePage(QWebEngineProfile& profile, EnginePageEvents& events)
           events_.heard(std::move(notice));
       }),
       interceptor_(std::make_unique<RequestWatch>(events, [this] { return requests_; })),
-      token_(random_token()) {
+      frame_key_(random_key()), top_key_(random_key()) {
     channel_.registerObject(script_name(), &bridge_);
     setWebChannel(&channel_, QWebEngineScript::ApplicationWorld);
     setUrlRequestInterceptor(interceptor_.get());
@@ -125,7 +125,8 @@ EnginePage::~EnginePage() {
 }
 
 void EnginePage::set_straggler_time(std::chrono::milliseconds time) {
-    const QJsonObject config{{QStringLiteral("token"), token_},
+    const QJsonObject config{{QStringLiteral("up"), frame_key_},
+                             {QStringLiteral("down"), top_key_},
                              {QStringLiteral("straggler"), static_cast<qint64>(time.count())},
                              {QStringLiteral("answer"), static_cast<qint64>(frame_answer_time.count())}};
     QWebEngineScript script;

@@ -83,7 +83,9 @@ private:
     EngineBridge bridge_;
     QWebChannel channel_;
     std::unique_ptr<QWebEngineUrlRequestInterceptor> interceptor_;
-    QString token_;
+    // What the page script seals its messages with from a frame to the top frame, and back. Of this page alone.
+    QString frame_key_;
+    QString top_key_;
     QString script_;
     bool begun_ = false; // the page script has reported a document since one was last asked for
 };

@@ -1,15 +1,23 @@
 // Serves the document of a frame: everything goes over one port to the top frame.
-(function ({ watch, keepArmed }, hearSubmissions, config) {
-    function serveFrame(agent) {
+(function ({ watch, keepArmed }, hearSubmissions, { Sender, Receiver }, config) {
+    // Introduces a document to the top frame, and gives the port and the two ends of the connection.
+    function connect(introduction) {
         const { port1: port, port2 } = new MessageChannel();
-        const watching = watch(agent, () => port.postMessage({ event: 'complete', url: agent.url }));
+        const up = new Sender(config.up);
+        window.top.postMessage(up.seal({ ...introduction, origin: window.origin }), '*', [port2]);
+        return { port, tell: (value) => port.postMessage(up.seal(value)), down: new Receiver(config.down) };
+    }
+
+    function serveFrame(agent) {
+        const { port, tell, down } = connect({ id: agent.id, url: agent.url });
+        const watching = watch(agent, () => tell({ event: 'complete', url: agent.url }));
         const leave = (event) => {
             if (event.isTrusted)
-                port.postMessage({ event: 'gone' });
+                tell({ event: 'gone' });
         };
         const arm = () => {
             watching.arm();
-            hearSubmissions(agent, (submission) => port.postMessage({ event: 'submit', ...submission }));
+            hearSubmissions(agent, (submission) => tell({ event: 'submit', ...submission }));
             window.addEventListener('pagehide', leave, true);
         };
         arm();
@@ -25,7 +33,10 @@
                 watching.complete();
             return null;
         };
-        port.onmessage = ({ data }) => {
+        port.onmessage = (message) => {
+            const data = down.open(message.data);
+            if (!data || data.id !== agent.id)
+                return;
             let value = null;
             try {
                 value = carryOut(data.ask, data.value);
@@ -33,10 +44,9 @@
                 // Answered with nothing: the top frame need not wait for its clock.
             }
             if (data.number)
-                port.postMessage({ answer: data.number, value });
+                tell({ answer: data.number, value });
         };
-        window.top.postMessage({ token: config.token, id: agent.id, url: agent.url }, '*', [port2]);
     }
 
-    return serveFrame;
+    return { connect, serveFrame };
 })

@@ -1,7 +1,7 @@
 // The program's hand in every document. Runs in an isolated world of its own, in every frame, before the page's
 // scripts; page code cannot reach anything of it. Evaluates to a function that takes the functions of the other files
 // in this folder, under the files' names, and the configuration:
-//   token      random text of this run; tells our frames' messages to the top window from a page's
+//   up, down   random keys of this run, which seal what frames tell the top frame, and what it tells them
 //   straggler  ms after DOMContentLoaded when a document without its load event counts as completed
 //   answer     ms that a frame has for an answer
 //
@@ -20,10 +20,10 @@
 //   {event: "ready", request}          the late answer is there to be taken
 //   {event: "submit", id, form, ...}   a form of the document is about to be sent; see submission.js
 //   {event: "menu", request, id, x, y} the answer to menu(): the document, "" for none, and where the menu belongs
-// Frame to top frame: one window message {token, id, url, error} that carries a port; everything else goes over the
-// port, where page code cannot listen. The token never travels towards a frame.
+// Frame to top frame: one window message {id, url, origin, error} that carries a port; everything else goes over the
+// port. Page code can come by both, so all of it is sealed; see seal.js.
 //   {event: "complete", url}, {event: "gone"}, {event: "submit", form, ...}, {answer: number, value}
-// Top frame to frame, over the port: {ask: "image" | "apply" | "stop" | "ping" | "pointAt" | "focusPlace", number, value}
+// Top frame to frame, over the port: {id, ask: "image" | "apply" | "stop" | "ping" | "pointAt" | "focusPlace", number, value}
 //
 // An image is {id, url, origin, tags: [text], links: [[element, text]], forms: [form], inputs: [element], active: element,
 // source, frames: [image]}. A form is {element, id, action, actionInput, elements}; an element {element, type, name,
@@ -47,17 +47,17 @@
     const errorPage = location.protocol === 'chrome-error:';
 
     if (window !== window.top) {
+        const { connect, serveFrame } = files.frame(completion, hearSubmissions, files.seal(), config);
         if (errorPage)
-            window.top.postMessage({ token: config.token, id: agent.id, url: '', error: true }, '*',
-                [new MessageChannel().port2]);
+            connect({ id: agent.id, url: '', error: true });
         else
-            files.frame(completion, hearSubmissions, config)(agent);
+            serveFrame(agent);
     } else if (errorPage) {
         qt.webChannelTransport.send(JSON.stringify({
             type: 6, object: key, method: 'post', id: 1,
             args: [JSON.stringify({ event: 'begin', id: agent.id, url: '', error: true })],
         }));
     } else {
-        files.top(natives, completion, hearSubmissions, Agent, files.remote(config), config)(agent, ours);
+        files.top(natives, completion, hearSubmissions, Agent, files.remote(files.seal(), config), config)(agent, ours);
     }
 })

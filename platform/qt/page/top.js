@@ -231,22 +231,20 @@
         }
 
         const hear = (event) => {
-            if (event.ports.length !== 1)
-                return;
-            const data = event.data;
-            if (typeof data !== 'object' || data === null || data.token !== config.token)
+            const remote = Remote.from(event);
+            if (!remote)
                 return;
             event.stopImmediatePropagation();
-            if (!event.source || event.source === window || remotes.size >= limits.frames)
+            // Somebody who passes on what a document of another window said is no second one of it.
+            const known = byId.get(remote.id);
+            if (remotes.size >= limits.frames || (known && known.view !== remote.view))
                 return;
-            const before = remotes.get(event.source);
+            const before = remotes.get(remote.view);
             if (before)
                 forget(before);
-            const remote = new Remote(event.source, event.origin, data.id, data.url, event.ports[0]);
-            remote.error = data.error === true;
-            remotes.set(event.source, remote);
+            remotes.set(remote.view, remote);
             byId.set(remote.id, remote);
-            remote.port.onmessage = (message) => fromFrame(remote, message.data);
+            remote.listen((data) => fromFrame(remote, data));
             if (performance.now() - stoppedAt < config.answer)
                 remote.send('stop');
             tell({ event: 'frame' });
