@@ -61,10 +61,11 @@ public:
     // A script asks that its window be closed. Windows that no page has opened do not obey.
     virtual void WindowClosing() {}
 
-    // The user asks for the context menu in this document, by the mouse or by key. A field under the mouse
-    // has the focus already. False lets the browser show its own menu, which is what happens by default.
-    virtual bool ContextMenu(const DocumentId& document) {
-        static_cast<void>(document);
+    // The user asks for the context menu, by the mouse or by key, in field.document. A field under the mouse
+    // has the focus already, and `field` is the one that has it; its element is 0 when none has. False lets
+    // the browser show its own menu, which is what happens by default.
+    virtual bool ContextMenu(const ElementRef& field) {
+        static_cast<void>(field);
         return false;
     }
 };

@@ -143,7 +143,7 @@ private:
     void CommandStateChange(int command, bool enable) override;
     Browser* NewWindow2() override;
     void WindowClosing() override;
-    bool ContextMenu(const DocumentId& document) override;
+    bool ContextMenu(const ElementRef& field) override;
 
     using Procedure = void (BrowserWindow::*)();
     void wire();
@@ -157,7 +157,7 @@ private:
     void hide_panel();
 
     void read_profile(std::string_view text);
-    bool fill_by_menu(const DocumentId& document);
+    bool fill_by_menu(const ElementRef& field);
 
     bool may_open_popup();
     [[nodiscard]] bool has_popup() const;

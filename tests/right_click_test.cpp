@@ -48,8 +48,10 @@ protected:
     }
     bool right_click(const std::string& entry) {
         ui.expect_menu("mnuRightClickMenu", entry);
-        return events().ContextMenu(page().id);
+        return events().ContextMenu(focused());
     }
+    // The field that has the focus as the menu opens.
+    ElementRef focused() { return {page().id, page().active_element.ref.element}; }
     BrowserEvents& events() { return browser().events(); }
 
     std::map<std::string, PageDocument> pages;
@@ -96,15 +98,28 @@ TEST_F(RightClickTest, PageThatIsGoneWhenTheMenuClosesGetsNothing) {
     open("http://a.b/submit");
     browser().on_take_image = [this] { browser().lose_page(); };
     ui.expect_menu("mnuRightClickMenu", "mnuAll");
-    EXPECT_TRUE(events().ContextMenu(page().id));
+    EXPECT_TRUE(events().ContextMenu(focused()));
     EXPECT_EQ(browser().showing(), nullptr);
+}
+
+TEST_F(RightClickTest, FocusThatThePageMovesWhileTheMenuIsOpenTakesNothingWithIt) {
+    for (const char* entry : {"mnuProgramName", "mnuAll"}) {
+        open("http://a.b/submit");
+        const ElementRef pointed_at = focused();
+        page().active_element = field("title");
+        ASSERT_NE(focused().element, pointed_at.element);
+        ui.expect_menu("mnuRightClickMenu", entry);
+        EXPECT_TRUE(events().ContextMenu(pointed_at)) << entry;
+        EXPECT_EQ(field("title").value, "") << entry;
+        EXPECT_EQ(field("note").value, "") << entry;
+    }
 }
 
 TEST_F(RightClickTest, MenuOfAnOpenQuestionsPageIsTheBrowsersOwn) {
     open("http://a.b/submit");
     bool answer = true;
     ui.expect_form("frmAbout", [&](Form& form) {
-        answer = events().ContextMenu(page().id);
+        answer = events().ContextMenu(focused());
         press_button(form, "cmdOK");
     });
     window().mnuAbout.choose();

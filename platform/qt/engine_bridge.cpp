@@ -52,6 +52,7 @@ std::optional<PageNotice> read_notice(const QString& json) {
         if (!notice.submission)
             return std::nullopt;
     }
+    notice.element = static_cast<std::uint32_t>(object[u"element"].toInteger());
     notice.x = object[u"x"].toDouble();
     notice.y = object[u"y"].toDouble();
     return notice;

@@ -6,6 +6,7 @@
 #include <QObject>
 #include <QString>
 
+#include <cstdint>
 #include <functional>
 #include <optional>
 
@@ -20,6 +21,7 @@ struct PageNotice {
     bool error = false;
     quint32 request = 0;
     QString text;
+    std::uint32_t element = 0;                     // of "menu"
     std::optional<FormSubmission> submission = {}; // of "submit", always
     double x = 0;                                  // CSS pixels
     double y = 0;

@@ -117,16 +117,16 @@ void MenuRequests::answered(const PageNotice& notice) {
     if (open_->by_key)
         open_->on_screen = view_.mapToGlobal((QPointF(notice.x, notice.y) * view_.zoomFactor()).toPoint());
     // The engine stands still in an event loop that it has called itself.
-    QTimer::singleShot(0, this, [this, document = notice.id] { show_menu(document); });
+    QTimer::singleShot(0, this, [this, field = ElementRef{notice.id, notice.element}] { show_menu(field); });
 }
 
 std::optional<QPoint> MenuRequests::menu_place() const {
     return open_ && !asked_ ? std::optional(open_->on_screen) : std::nullopt;
 }
 
-void MenuRequests::show_menu(const DocumentId& document) {
+void MenuRequests::show_menu(const ElementRef& field) {
     const QPointer<MenuRequests> self(this);
-    const bool done = !document.empty() && show_(document);
+    const bool done = !field.document.empty() && show_(field);
     if (self)
         finish(done);
 }

@@ -27,9 +27,9 @@ class MenuRequests final : public QObject {
     Q_OBJECT
 
 public:
-    // Shows the menu of a document; true when something was chosen. Runs from the event loop, and may destroy
-    // this object.
-    using Show = std::function<bool(const DocumentId& document)>;
+    // Shows the menu of a document, in which this field has the focus; true when something was chosen. Runs
+    // from the event loop, and may destroy this object.
+    using Show = std::function<bool(const ElementRef& field)>;
 
     // Watches the view's widgets; the view outlives this object.
     MenuRequests(QWebEngineView& view, Show show, QWidget* place);
@@ -60,7 +60,7 @@ private:
     bool key(QWidget& widget, const QKeyEvent& event);
     void ask(Request request);
     void ask_page();
-    void show_menu(const DocumentId& document);
+    void show_menu(const ElementRef& field);
     void finish(bool done);
     void hand_on(const Request& request);
 

@@ -115,7 +115,7 @@ QtBrowser::Engine::Engine(QWidget& place, BrowserEvents& events, std::shared_ptr
     if (auto* const column = qobject_cast<QBoxLayout*>(place.layout()))
         column->setStretchFactor(view_, 1);
     menus_ = &child_of<MenuRequests>(
-        place, *view_, [this](const DocumentId& document) { return events_.ContextMenu(document); });
+        place, *view_, [this](const ElementRef& field) { return events_.ContextMenu(field); });
     comforts_ = std::make_unique<PageComforts>(place, *view_, *page_, *profile_,
                                                PageActions{[this] { reload(); }, [this] { start_reload(); },
                                                            [this](const QUrl& url) { go_to(url); }});

@@ -32,9 +32,9 @@ public:
         return on_new_window ? on_new_window() : nullptr;
     }
 
-    bool ContextMenu(const DocumentId& document) override {
-        menus.push_back(document);
-        return on_menu && on_menu(document);
+    bool ContextMenu(const ElementRef& field) override {
+        menus.push_back(field.document);
+        return on_menu && on_menu(field.document);
     }
 
     [[nodiscard]] int count(const std::string& what) const {

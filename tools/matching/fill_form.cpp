@@ -150,8 +150,9 @@ void FormFiller::choose_multi_input(const PageData& page) {
     const MenuChooser chooser{QStringLiteral("mnuRightClickMenu"), QStringLiteral("mnuAll")};
     const PageDocument now = image();
     const auto& elements = form_in(now, at, form.number).elements;
-    put_focus(std::ranges::find(elements, form.press, &PageElement::name)->ref);
-    ui_.ask_for_menu(document_at(now, at)->id);
+    const ElementRef pressed = std::ranges::find(elements, form.press, &PageElement::name)->ref;
+    put_focus(pressed);
+    ui_.ask_for_menu(pressed);
     driver_.wait("the right-click menu on " + at, [&] { return chooser.chosen() > 0 && !window_->busy(); });
 }
 

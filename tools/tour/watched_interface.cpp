@@ -23,7 +23,7 @@ public:
     }
     Browser* NewWindow2() override { return window_.NewWindow2(); }
     void WindowClosing() override { window_.WindowClosing(); }
-    bool ContextMenu(const DocumentId& document) override { return window_.ContextMenu(document); }
+    bool ContextMenu(const ElementRef& field) override { return window_.ContextMenu(field); }
 
 private:
     std::vector<BrowserReport>& reports_;
@@ -48,8 +48,8 @@ DocumentId WatchedInterface::completed_document(std::string_view url) const {
     return found == reports_.rend() ? "" : found->document;
 }
 
-bool WatchedInterface::ask_for_menu(const DocumentId& document) {
-    return !ears_.empty() && ears_.back()->ContextMenu(document);
+bool WatchedInterface::ask_for_menu(const ElementRef& field) {
+    return !ears_.empty() && ears_.back()->ContextMenu(field);
 }
 
 std::string WatchedInterface::last_navigation() const {

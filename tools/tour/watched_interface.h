@@ -35,9 +35,9 @@ public:
     [[nodiscard]] bool completed(std::string_view url) const;
     // The document that completed at this address; the last one, "" when none has.
     [[nodiscard]] DocumentId completed_document(std::string_view url) const;
-    // Asks the window opened last for its menu, as its browser does when the user right-clicks in the
-    // document.
-    bool ask_for_menu(const DocumentId& document);
+    // Asks the window opened last for its menu, as its browser does when the user right-clicks on this field,
+    // which has the focus.
+    bool ask_for_menu(const ElementRef& field);
     // The address of the top window's last navigation.
     [[nodiscard]] std::string last_navigation() const;
 

@@ -182,6 +182,12 @@
             return active && isField(active) ? active : null;
         }
 
+        // Its number, 0 without one.
+        focusedField() {
+            const active = this.activeField();
+            return active ? this.number(active) : 0;
+        }
+
         deepActive() {
             let active = native.active(this.document);
             while (active && native.shadowRoot(active) && native.activeInShadow(native.shadowRoot(active)))
@@ -208,7 +214,7 @@
                 if (active && active !== field && native.namespace(active) === html)
                     native.blur(active);
             }
-            return { x, y };
+            return { x, y, element: this.focusedField() };
         }
 
         // Where what has the focus stands, and the frame when it is in one; null as above.
@@ -222,7 +228,7 @@
             if (!active || !isField(active))
                 return { x: 0, y: 0 };
             const { left, bottom } = native.box(active);
-            return { x: left, y: bottom };
+            return { x: left, y: bottom, element: this.number(active) };
         }
 
         // Elements stay reachable for as long as the last few images that showed them, and no longer. An image in
@@ -279,6 +285,8 @@
             shown.value = type === 'textarea' ? value.replace(/\r\n?|\n/g, '\r\n') : value;
             if (type === 'image')
                 shown.src = text(native.attribute(element, 'src'));
+            if ((type === 'submit' || type === 'image') && native.has(element, 'formaction'))
+                shown.formAction = text(element.formAction);
             if (element.checked === true)
                 shown.checked = true;
             if (element.readOnly === true || native.matches(element, ':disabled'))

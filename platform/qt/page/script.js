@@ -9,8 +9,8 @@
 //   image(id, parts, request)  image of a document as JSON; "" when it comes later by an event; "null" when gone
 //   take(request)              the text that a "ready" event announced
 //   apply(edits)               [{kind, document, element, text}, ...]
-//   menu(point, request)       which document a menu asked for at this point of the window is meant for (null: by key);
-//                              the field there gets the focus
+//   menu(point, request)       which document and field a menu asked for at this point of the window is meant for (null:
+//                              by key); the field there gets the focus
 //   stop()                     the user stopped the load
 // Top frame to program: events over the web channel, each a JSON object
 //   {event: "begin", id, url, error}   a document has taken over the top window; error: the engine's own error page
@@ -19,7 +19,8 @@
 //   {event: "image", request, text}    the late answer to image(), when it is short
 //   {event: "ready", request}          the late answer is there to be taken
 //   {event: "submit", id, form, ...}   a form of the document is about to be sent; see submission.js
-//   {event: "menu", request, id, x, y} the answer to menu(): the document, "" for none, and where the menu belongs
+//   {event: "menu", request, id, element, x, y}  the answer to menu(): the document, "" for none, the field that has the
+//                                      focus there, and where the menu belongs
 // Frame to top frame: one window message {id, url, origin, error} that carries a port; everything else goes over the
 // port. Page code can come by both, so all of it is sealed; see seal.js.
 //   {event: "complete", url}, {event: "gone"}, {event: "submit", form, ...}, {answer: number, value}
@@ -27,7 +28,7 @@
 //
 // An image is {id, url, origin, tags: [text], links: [[element, text]], forms: [form], inputs: [element], active: element,
 // source, frames: [image]}. A form is {element, id, action, actionInput, elements}; an element {element, type, name,
-// value, src, checked, options: [[element, text, value, selected]], label, from}; what is empty or false is left out.
+// value, src, formAction, checked, options: [[element, text, value, selected]], label, from}; what is empty or false is left out.
 (function (files, config) {
     const key = 'kestrune';
     // The engine runs scripts again in some documents.

@@ -193,14 +193,17 @@
             const place = one instanceof Remote ? await one.ask(ask, point) : one[ask](point);
             if (!place)
                 return null;
-            const { frame, x, y } = place;
+            const { frame, x, y, element } = place;
             if (!frame)
-                return { id: one.id, x, y };
+                return { id: one.id, x, y, element };
             const inner = depth < limits.depth ? agentOf(one.view[frame.index]) : null;
             if (!inner || inner.error)
                 return { id: one.id, x: frame.left, y: frame.top };
             const found = await menuIn(inner, ask, { x, y }, depth + 1);
-            return found && { id: found.id, x: frame.left + found.x * frame.across, y: frame.top + found.y * frame.down };
+            return found && {
+                id: found.id, element: found.element,
+                x: frame.left + found.x * frame.across, y: frame.top + found.y * frame.down,
+            };
         }
         ours.menu = (point, request) => {
             const none = { id: '', x: 0, y: 0 };
