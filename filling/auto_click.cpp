@@ -1,5 +1,6 @@
 #include "filling/auto_click.h"
 
+#include "filling/document_origin.h"
 #include "platform/text.h"
 
 #include <algorithm>
@@ -34,16 +35,25 @@ const PageElement* image_button(const PageDocument& document, const std::vector<
     return nullptr;
 }
 
+bool sends_to_strangers(const PageElement& button, const PageDocument& document,
+                        std::string_view recordAction) {
+    if (button.form_action.empty())
+        return false;
+    const std::string to = origin_of_address(button.form_action);
+    return to != origin_of(document) && to != origin_of_address(recordAction);
+}
+
 } // namespace
 
 void AutoClick(LivePage& page, const PageDocument& document, const PageForm& form,
-               const std::vector<std::string>& fieldNames, const ButtonPress& window) {
+               const std::vector<std::string>& fieldNames, std::string_view recordAction,
+               const ButtonPress& window) {
     if (!window.mnuAutoClick.Checked.get())
         return;
     const PageElement* button = submit_button(form);
     if (button == nullptr)
         button = image_button(document, fieldNames);
-    if (button == nullptr)
+    if (button == nullptr || sends_to_strangers(*button, document, recordAction))
         ReportNoAutoClick(window);
     else
         page.note({PageEdit::Kind::click, button->ref});

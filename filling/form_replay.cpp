@@ -180,7 +180,7 @@ bool FillForms(LivePage& page, PageDocument& document, std::string_view mode, st
     if (filled == nullptr)
         return false;
     window.state.bAutoFillFlag = false;
-    AutoClick(page, document, *filled, recorded.fields().names, window.button);
+    AutoClick(page, document, *filled, recorded.fields().names, recordAction, window.button);
     return true;
 }
 

@@ -39,6 +39,9 @@ struct PageElement {
     std::string name;
     std::string value; // a text area's line ends read CR LF, as they are posted
     std::string src;   // as written in the page; of image buttons
+    // Full address that this button sends its form to in place of the form's action; "" when it has none of
+    // its own.
+    std::string form_action;
     bool checked = false;
     bool locked = false;             // read-only, or disabled by itself or by a fieldset: nobody types there
     std::vector<PageOption> options; // of lists

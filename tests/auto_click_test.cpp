@@ -32,7 +32,8 @@ protected:
         FormPage shown{std::move(document)};
         {
             LivePage live{shown.browser, shown.image()};
-            AutoClick(live, *live.document(), live.document()->forms.at(0), names, {mnuAutoClick, status});
+            AutoClick(live, *live.document(), live.document()->forms.at(0), names, "http://c.d/add.cgi",
+                      {mnuAutoClick, status});
         }
         return shown.browser.pressed;
     }
@@ -46,6 +47,25 @@ TEST_F(AutoClickTest, OfTwoSubmitButtonsTheFirstInElementOrderIsClicked) {
         click(page({element("text", "a"), element("Submit", "one"), element("submit", "two")}), {"a"}),
         ElementsAre("one"));
     EXPECT_EQ(status.text(1), "");
+}
+
+TEST_F(AutoClickTest, ButtonWithAnActionOfItsOwnIsClickedOnlyWhenItLeadsToThePagesOrTheRecordsSite) {
+    const auto leading_to = [this](const char* type, const char* address) {
+        PageElement button = element(type, "go");
+        button.src = "go.gif";
+        button.form_action = address;
+        status.set_text(1, "");
+        return click(
+            page({element("text", "a"), button, element("submit", "next")}, {element("text", "a"), button}),
+            {"a"});
+    };
+    EXPECT_THAT(leading_to("submit", "http://A.B:80/preview"), ElementsAre("go"));
+    EXPECT_THAT(leading_to("submit", "http://c.d/other.cgi"), ElementsAre("go"));
+    EXPECT_EQ(status.text(1), "");
+    for (const char* stranger : {"http://evil.c/add.cgi", "javascript:alert(1)", "http://a.b:81/add.cgi"}) {
+        EXPECT_THAT(leading_to("submit", stranger), IsEmpty()) << stranger;
+        EXPECT_EQ(status.text(1), unable);
+    }
 }
 
 TEST_F(AutoClickTest, NothingIsClickedNorSaidWhenTheSwitchIsOff) {

@@ -30,6 +30,7 @@ PageElement read_element(const DocumentId& document, const QJsonObject& shown) {
     element.name = text_of(shown[u"name"]);
     element.value = text_of(shown[u"value"]);
     element.src = text_of(shown[u"src"]);
+    element.form_action = text_of(shown[u"formAction"]);
     element.checked = shown[u"checked"].toBool();
     element.locked = shown[u"locked"].toBool();
     element.label = text_of(shown[u"label"]);
