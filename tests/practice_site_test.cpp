@@ -71,6 +71,48 @@ TEST(PracticeSiteFile, RowOfTheLibraryIsRead) {
     EXPECT_EQ(site.left_out, "");
 }
 
+TEST(PracticeSiteFile, HostileSiteNeedsNoExpectationAndSaysWhatTheProgramDoes) {
+    const Site site = parsed(R"(description = d
+hostile = does nothing
+record = /form.html | {{site:other}}/take
+auto-record = yes
+again = Yes | Kestrune | Again
+answer-at = /swapped
+menu = 100 35 | mnuAll
+bar = PageAlert
+bar = PageConfirm | OK
+value-at = /take
+value-at = {{site:other}}/take
+deadline = 1500
+)");
+    const Hostile& hostile = site.hostile;
+    EXPECT_EQ(hostile.does, "does nothing");
+    EXPECT_EQ(hostile.record_page, "/form.html");
+    EXPECT_EQ(hostile.record_action, "{{site:other}}/take");
+    EXPECT_TRUE(hostile.auto_record);
+    EXPECT_THAT(hostile.again, ElementsAre(Question{"Yes", "Kestrune", "Again"}));
+    EXPECT_EQ(hostile.answer_at, "/swapped");
+    ASSERT_TRUE(hostile.menu);
+    EXPECT_EQ(hostile.menu->x, 100);
+    EXPECT_EQ(hostile.menu->y, 35);
+    EXPECT_EQ(hostile.menu->entry, "mnuAll");
+    ASSERT_EQ(hostile.bars.size(), 2U);
+    EXPECT_EQ(hostile.bars[0].name + "," + hostile.bars[0].button, "PageAlert,");
+    EXPECT_EQ(hostile.bars[1].name + "," + hostile.bars[1].button, "PageConfirm,OK");
+    EXPECT_THAT(hostile.values_at, ElementsAre("/take", "{{site:other}}/take"));
+    EXPECT_EQ(hostile.deadline, milliseconds(1500));
+}
+
+TEST(PracticeSiteFile, HostileKeysThatCannotBeReadAreRefused) {
+    const std::string hostile = "description = d\nhostile = does nothing\n";
+    EXPECT_THAT(refusal(hostile + "record = /form.html\n"), HasSubstr("PAGE | ACTION"));
+    EXPECT_THAT(refusal(hostile + "menu = 100 35\n"), HasSubstr("X Y | ENTRY"));
+    EXPECT_THAT(refusal(hostile + "menu = a b | mnuAll\n"), HasSubstr("whole number"));
+    EXPECT_THAT(refusal(hostile + "auto-record = maybe\n"), HasSubstr("yes"));
+    EXPECT_EQ(refusal(hostile), "accepted");
+    EXPECT_THAT(refusal("description = d\n"), HasSubstr("is missing"));
+}
+
 TEST(PracticeSiteFile, ExpectationIsReadInOrder) {
     const Expectation expected = parsed(whole).expected;
     EXPECT_EQ(expected.link, "Submit Software");

@@ -1,7 +1,5 @@
 #include "tools/practice/site.h"
 
-#include "tools/practice/pages.h"
-
 #include <algorithm>
 #include <array>
 #include <charconv>
@@ -65,7 +63,8 @@ private:
         if (const auto [before, fresh] = seen_.emplace(key, line_); !fresh)
             fail("\"" + std::string(key) + "\" stands on line " + std::to_string(before->second) +
                  " already");
-        if (!take_row(key, value) && !take_outcome(key, value) && !take_recording(key, value))
+        if (!take_row(key, value) && !take_outcome(key, value) && !take_recording(key, value) &&
+            !take_hostile(key, value))
             fail("unknown key \"" + std::string(key) + "\"");
     }
 
@@ -80,6 +79,12 @@ private:
             site_.expected.questions.push_back(question(value));
         else if (key == "hand")
             site_.recording.steps.push_back(hand_step(value));
+        else if (key == "again")
+            site_.hostile.again.push_back(question(value));
+        else if (key == "bar")
+            site_.hostile.bars.push_back(bar(value));
+        else if (key == "value-at")
+            site_.hostile.values_at.push_back(path_or_address(value));
         else
             return false;
         return true;
@@ -118,6 +123,25 @@ private:
         return true;
     }
 
+    bool take_hostile(std::string_view key, std::string_view value) {
+        Hostile& hostile = site_.hostile;
+        if (key == "hostile")
+            hostile.does = value;
+        else if (key == "record")
+            take_record(value);
+        else if (key == "auto-record")
+            hostile.auto_record = yes_no(value);
+        else if (key == "answer-at")
+            hostile.answer_at = path_or_address(value);
+        else if (key == "menu")
+            hostile.menu = menu(value);
+        else if (key == "deadline")
+            hostile.deadline = std::chrono::milliseconds(number(value));
+        else
+            return false;
+        return true;
+    }
+
     bool take_outcome(std::string_view key, std::string_view value) {
         Expectation& expected = site_.expected;
         if (key == "link")
@@ -127,7 +151,7 @@ private:
         else if (key == "release")
             expected.release = path(value);
         else if (key == "answer-after")
-            expected.answer_after = path(value);
+            expected.answer_after = path_or_address(value);
         else if (key == "mark")
             expected.marks = marks(value);
         else if (key == "note")
@@ -231,6 +255,31 @@ private:
         return result;
     }
 
+    void take_record(std::string_view value) {
+        const auto bar = value.find('|');
+        if (bar == std::string_view::npos)
+            fail("\"PAGE | ACTION\" is wanted, not \"" + std::string(value) + "\"");
+        site_.hostile.record_page = path_or_address(trimmed(value.substr(0, bar)));
+        site_.hostile.record_action = path_or_address(trimmed(value.substr(bar + 1)));
+    }
+
+    [[nodiscard]] static BarUse bar(std::string_view value) {
+        const auto end = std::min(value.find('|'), value.size());
+        return {std::string(trimmed(value.substr(0, end))),
+                std::string(trimmed(value.substr(std::min(end + 1, value.size()))))};
+    }
+
+    [[nodiscard]] MenuUse menu(std::string_view value) const {
+        const auto bar = value.find('|');
+        const std::string_view place = trimmed(value.substr(0, bar));
+        const auto between = place.find(' ');
+        if (bar == std::string_view::npos || between == std::string_view::npos)
+            fail("\"X Y | ENTRY\" is wanted, not \"" + std::string(value) + "\"");
+        return {static_cast<int>(number(place.substr(0, between))),
+                static_cast<int>(number(trimmed(place.substr(between)))),
+                std::string(trimmed(value.substr(bar + 1)))};
+    }
+
     [[nodiscard]] HandStep hand_step(std::string_view value) const {
         const auto bar = value.find('|');
         if (bar == std::string_view::npos)
@@ -284,7 +333,7 @@ private:
 
     void check_whole() const {
         require("description");
-        if (!site_.left_out.empty() || !site_.recording.steps.empty())
+        if (!site_.left_out.empty() || !site_.hostile.does.empty() || !site_.recording.steps.empty())
             return;
         for (const std::string_view key : {"link", "ends-at", "mark"})
             require(key);
@@ -315,79 +364,13 @@ private:
     std::map<std::string, std::size_t, std::less<>> seen_; // key to line
 };
 
-// A page that names an unknown site would fail in the browser, far from its cause.
-void check_placeholders(const std::filesystem::path& file, const std::string& text,
-                        const std::vector<std::string>& names) {
-    if (const auto bad = find_bad_placeholder(text, names)) {
-        const auto before = std::string_view(text).substr(0, bad->at);
-        throw SiteFileError(file, static_cast<std::size_t>(std::ranges::count(before, '\n')) + 1,
-                            bad->message);
-    }
-}
-
-void check_pages(const Site& site, const std::vector<std::string>& names) {
-    for (const auto& entry : std::filesystem::recursive_directory_iterator(site.folder)) {
-        if (entry.is_regular_file() && is_text(entry.path()))
-            check_placeholders(entry.path(), read_whole(entry.path()), names);
-    }
-    for (const auto& [path, behaviour] : site.behaviours) {
-        if (behaviour.hang == Behaviour::Hang::body && !page_file(site.folder, path))
-            throw SiteFileError(site.folder / site_file_name, 1,
-                                "there is no file to send half of at " + path);
-    }
-}
-
 } // namespace
 
 SiteFileError::SiteFileError(const std::filesystem::path& file, std::size_t line, std::string_view message)
     : std::runtime_error(file.string() + ":" + std::to_string(line) + ": " + std::string(message)) {}
 
-Behaviour Site::behaviour(std::string_view path) const {
-    Behaviour result;
-    if (const auto own = behaviours.find(path); own != behaviours.end())
-        result = own->second;
-    const auto every = behaviours.find("*");
-    if (every == behaviours.end())
-        return result;
-    const Behaviour& rest = every->second;
-    result.headers.insert(result.headers.end(), rest.headers.begin(), rest.headers.end());
-    if (result.redirect.empty())
-        result.redirect = rest.redirect;
-    if (result.delay.count() == 0)
-        result.delay = rest.delay;
-    if (result.hang == Behaviour::Hang::never)
-        result.hang = rest.hang;
-    if (result.code == 0)
-        result.code = rest.code;
-    if (result.type.empty())
-        result.type = rest.type;
-    return result;
-}
-
 Site parse_site(std::string_view name, std::string_view text, const std::filesystem::path& file) {
     return Parser(name, file).parse(text);
-}
-
-std::vector<Site> load_sites(const std::filesystem::path& folder) {
-    std::vector<std::filesystem::path> folders;
-    for (const auto& entry : std::filesystem::directory_iterator(folder)) {
-        if (entry.is_directory() && std::filesystem::exists(entry.path() / site_file_name))
-            folders.push_back(entry.path());
-    }
-    std::ranges::sort(folders);
-
-    std::vector<std::string> names;
-    for (const auto& place : folders)
-        names.push_back(place.filename().string());
-    std::vector<Site> sites;
-    for (const auto& place : folders) {
-        const std::string text = read_whole(place / site_file_name);
-        Site site = parse_site(place.filename().string(), text, place / site_file_name);
-        site.folder = place;
-        check_pages(site, names);
-        sites.push_back(std::move(site));
-    }
-    return sites;
 }
 
 } // namespace kestrune::practice

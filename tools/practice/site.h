@@ -52,8 +52,8 @@ struct Expectation {
     std::vector<std::string> not_asked_for; // paths that it must not have been asked for
     std::vector<std::string> status; // texts that status panel 1 shows, in this order, others in between
     std::vector<Question> questions; // all of them, in order
-    // While the first question is open: the hanging path that is let go, and then the path whose document
-    // must have completed before the question is answered. Both may be empty.
+    // While the first question is open: the hanging path that is let go, and then the path or
+    // address whose document must have completed before the question is answered. Both may be empty.
     std::string release;
     std::string answer_after;
     // One outcome for each visit: "Y", "P", "N" or "cancel"; the last one stays in the library.
@@ -83,6 +83,37 @@ struct Recording {
     std::string answer_at_title;
 };
 
+// An entry of the right-click menu, chosen at a place of the page in device-independent pixels.
+struct MenuUse {
+    int x = 0;
+    int y = 0;
+    std::string entry;
+};
+
+// A bar above the page, and its button that the user presses; empty: none.
+struct BarUse {
+    std::string name;
+    std::string button;
+};
+
+// A site that means harm: what the program must do with it. Of the expectation above, the questions and the
+// requests count too.
+struct Hostile {
+    std::string does; // in words; empty: the site is none of these
+    // Page and form action of the record that the program has; empty: the start page, and "/take".
+    std::string record_page;
+    std::string record_action;
+    bool auto_record = false;
+    std::vector<Question> again; // each comes at least once, and any number of times
+    // What must have been asked for before the first question is answered and the menu's entry chosen; may be
+    // empty.
+    std::string answer_at;
+    std::optional<MenuUse> menu;
+    std::vector<BarUse> bars;              // that come up above the page
+    std::vector<std::string> values_at;    // where the user's values must come, and all that they may
+    std::chrono::milliseconds deadline{0}; // of the page; 0: the program's own
+};
+
 // One practice site: a folder of pages with the file site.txt, whose format is told in practice/README.md.
 struct Site {
     std::string name; // of the folder
@@ -97,6 +128,7 @@ struct Site {
     std::string left_out;   // why the tour does not play it; empty: it does
     Expectation expected;
     Recording recording; // with steps: the queue leaves the site out, it is recorded instead
+    Hostile hostile;
     std::map<std::string, Behaviour, std::less<>> behaviours; // by path; "*" is every path
 
     // Both the path's own behaviour and that of "*"; the path's own goes first.

@@ -3,10 +3,8 @@
 #include "platform/qt/qt_browser.h"
 #include "platform/sqlite/site_schema.h"
 #include "shell/browser_window.h"
+#include "tools/tour/hand.h"
 
-#include <QApplication>
-#include <QKeyEvent>
-#include <QMouseEvent>
 #include <QWebEnginePage>
 #include <QWebEngineScript>
 #include <QWebEngineView>
@@ -26,37 +24,6 @@ constexpr std::string_view record_question =
     "A temporary record is created, do you want to view/edit it now?";
 constexpr std::string_view fill_question = "Do you want to auto fill-in this form";
 constexpr std::string_view submission_path = "/take";
-
-void send_key(QWidget& page, int key, const QString& text) {
-    for (const auto kind : {QEvent::KeyPress, QEvent::KeyRelease}) {
-        QKeyEvent event(kind, key, Qt::NoModifier, text);
-        QApplication::sendEvent(&page, &event);
-    }
-}
-
-void press(QWidget& page, const std::string& key) {
-    if (key == "tab")
-        send_key(page, Qt::Key_Tab, QStringLiteral("\t"));
-    else if (key == "space")
-        send_key(page, Qt::Key_Space, QStringLiteral(" "));
-    else if (key == "enter")
-        send_key(page, Qt::Key_Return, QStringLiteral("\r"));
-    else
-        send_key(page, Qt::Key_Down, {});
-}
-
-void type(QWidget& page, const std::string& text) {
-    for (const QChar letter : QString::fromStdString(text))
-        send_key(page, letter.unicode() < 128 ? letter.toUpper().unicode() : 0, letter);
-}
-
-void click(QWidget& page, QPoint at) {
-    for (const auto kind : {QEvent::MouseButtonPress, QEvent::MouseButtonRelease}) {
-        const Qt::MouseButtons held = kind == QEvent::MouseButtonPress ? Qt::LeftButton : Qt::NoButton;
-        QMouseEvent event(kind, at, page.mapToGlobal(at), Qt::LeftButton, held, Qt::NoModifier);
-        QApplication::sendEvent(&page, &event);
-    }
-}
 
 // The text without the boundary that its Content-Type names.
 std::string without_boundary(std::string text, const std::string& content_type) {
@@ -157,15 +124,7 @@ void RecordingTour::record(Replayed& visit) {
 
 void RecordingTour::do_by_hand(const HandStep& step) {
     browser_->view().setFocus();
-    QWidget& page = *browser_->view().focusProxy();
-    for (const HandStep::Deed& deed : step.deeds) {
-        if (deed.kind == HandStep::Deed::Kind::click)
-            click(page, QPoint(deed.x, deed.y));
-        else if (deed.kind == HandStep::Deed::Kind::type)
-            type(page, deed.text);
-        else
-            press(page, deed.text);
-    }
+    do_deeds(*browser_->view().focusProxy(), step.deeds);
 }
 
 void RecordingTour::keep(std::size_t records) {
