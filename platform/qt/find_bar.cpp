@@ -9,6 +9,7 @@
 #include <QPushButton>
 #include <QWebEngineFindTextResult>
 #include <QWebEnginePage>
+#include <QWebEngineView>
 
 namespace kestrune {
 namespace {
@@ -51,6 +52,7 @@ FindBar::FindBar(QWebEnginePage& page, QWidget* parent)
     connect(&page, &QWebEnginePage::findTextFinished, this, [this](const QWebEngineFindTextResult& result) {
         show_count(result.activeMatch(), result.numberOfMatches());
     });
+    connect(&page, &QWebEnginePage::loadStarted, count_, &QLabel::clear);
     hide();
 }
 
@@ -61,6 +63,7 @@ void FindBar::open() {
         text_->setText(selected);
     text_->setFocus();
     text_->selectAll();
+    find(false);
 }
 
 void FindBar::find(bool backwards) {
@@ -81,6 +84,9 @@ void FindBar::show_count(int active, int count) {
 }
 
 void FindBar::close_bar() {
+    // Left to itself the focus goes on as by the Tab key, and the page scrolls to its first link.
+    if (auto* const view = page_ ? QWebEngineView::forPage(page_) : nullptr)
+        view->setFocus();
     hide();
     if (page_)
         page_->findText({});

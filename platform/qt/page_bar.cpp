@@ -11,6 +11,7 @@
 #include <QProgressBar>
 #include <QPushButton>
 #include <QVBoxLayout>
+#include <QWebEngineView>
 
 #include <utility>
 
@@ -186,6 +187,11 @@ PageBar& PageBars::add(const QString& name) {
 void PageBars::remove(const QPointer<PageBar>& bar) {
     if (!bar)
         return;
+    // Left to itself the focus goes on as by the Tab key, to wherever that leads.
+    if (bar->isAncestorOf(bar->window()->focusWidget())) {
+        if (auto* const view = bar->parentWidget()->parentWidget()->findChild<QWebEngineView*>())
+            view->setFocus();
+    }
     bar->hide();
     bar->deleteLater();
 }

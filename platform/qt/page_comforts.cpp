@@ -13,6 +13,7 @@
 #include "platform/qt/page_health.h"
 #include "platform/qt/page_tools.h"
 
+#include <QAction>
 #include <QAuthenticator>
 #include <QBoxLayout>
 #include <QCoreApplication>
@@ -66,7 +67,7 @@ struct PageComforts::Parts {
 
 PageComforts::PageComforts(QWidget& place, QWebEngineView& view, QWebEnginePage& page, EngineProfile& profile,
                            PageActions actions)
-    : place_(place), page_(page), profile_(profile), actions_(std::move(actions)),
+    : place_(place), view_(view), page_(page), profile_(profile), actions_(std::move(actions)),
       parts_(std::make_unique<Parts>(*this, place, view, profile.waits(), actions_)) {
     connect(&place, &QObject::destroyed, this, [this] { parts_.reset(); });
     profile.downloads().add_place(page, parts_->bars);
@@ -90,6 +91,9 @@ PageComforts::PageComforts(QWidget& place, QWebEngineView& view, QWebEnginePage&
                 if (parts_ && status != QWebEnginePage::NormalTerminationStatus)
                     parts_->deadline.stop();
             });
+    // The browser's own menu.
+    for (const auto action : {QWebEnginePage::Back, QWebEnginePage::Forward, QWebEnginePage::Reload})
+        connect(page.action(action), &QAction::triggered, this, [this] { acted(); });
     QCoreApplication::instance()->installEventFilter(this);
     view.setContextMenuPolicy(Qt::CustomContextMenu);
     connect(&view, &QWidget::customContextMenuRequested, this, [this](QPoint at) { show_menu(at); });
@@ -107,6 +111,7 @@ bool PageComforts::leaving(std::function<void()> go) {
         PageBars::remove(bar);
     cut_off_ = false;
     began_ = false;
+    left_ = true;
     asked_by_post_ = false;
     parts_->deadline.visit();
     return parts_->health.leaving(std::move(go));
@@ -217,7 +222,7 @@ bool PageComforts::eventFilter(QObject* watched, QEvent* event) {
     if (event->type() != QEvent::MouseButtonPress && event->type() != QEvent::KeyPress)
         return false;
     const auto* const widget = qobject_cast<QWidget*>(watched);
-    if (parts_ && widget != nullptr && place_.isAncestorOf(widget))
+    if (parts_ && widget != nullptr && view_.isAncestorOf(widget))
         acted();
     return false;
 }
@@ -249,9 +254,12 @@ QStringList PageComforts::files_wanted(QWebEnginePage::FileSelectionMode mode, c
 }
 
 bool PageComforts::may_navigate(const QUrl& url, QWebEnginePage::NavigationType type, bool top_level) {
-    const bool of_page = type != QWebEnginePage::NavigationTypeTyped &&
-                         type != QWebEnginePage::NavigationTypeBackForward &&
-                         type != QWebEnginePage::NavigationTypeReload;
+    const bool left = top_level && std::exchange(left_, false);
+    // A script's way through the history looks like the user's.
+    const bool of_page =
+        type == QWebEnginePage::NavigationTypeBackForward
+            ? !left
+            : type != QWebEnginePage::NavigationTypeTyped && type != QWebEnginePage::NavigationTypeReload;
     // The engine keeps pages of the network from local files; this is the second lock.
     if (of_page && url.isLocalFile() && !page_.url().isLocalFile())
         return false;

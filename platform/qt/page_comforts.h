@@ -80,6 +80,7 @@ private:
     [[nodiscard]] bool acted_just_now() const;
 
     QWidget& place_;
+    QWebEngineView& view_;
     QWebEnginePage& page_;
     EngineProfile& profile_;
     PageActions actions_;
@@ -87,6 +88,7 @@ private:
     QElapsedTimer acted_;  // since the user did something on the page
     bool cut_off_ = false; // the page may not go elsewhere by itself
     bool began_ = false;   // since the page was left, a document has come
+    bool left_ = false;    // from outside; what goes where has not come up yet
     bool asked_by_post_ = false;
     bool shown_by_post_ = false;
     QUrl asked_for_;               // address that the top window goes to

@@ -37,7 +37,13 @@ PageOverlay::PageOverlay(QWidget& place, QWebEnginePage& page)
         moment_.stop();
         show_address(address_);
     });
-    connect(&page, &QWebEnginePage::loadStarted, this, [this] { show_progress(5); });
+    connect(&page, &QWebEnginePage::loadStarted, this, [this] {
+        // The engine does not take back the address of a link whose page goes.
+        address_.clear();
+        if (!moment_.isActive())
+            show_address(address_);
+        show_progress(5);
+    });
     connect(&page, &QWebEnginePage::loadProgress, this, [this](int percent) { show_progress(percent); });
     connect(&page, &QWebEnginePage::loadFinished, this, [this] { show_progress(100); });
     place.installEventFilter(this);

@@ -7,6 +7,7 @@
 #include "platform/qt/twips.h"
 
 #include <QCloseEvent>
+#include <QPushButton>
 #include <QScopedValueRollback>
 #include <QShortcut>
 #include <QTimer>
@@ -18,6 +19,11 @@ namespace {
 
 // The controls have fixed places, made for letters of this size; a larger system font would not fit them.
 constexpr int letter_pixels = 12;
+
+// Moves within this time after a window was shown are the window manager's, in milliseconds; how often they
+// are undone.
+constexpr qint64 settling_time = 1000;
+constexpr int most_moves_back = 3;
 
 QFont window_font(const QFont& base) {
     QFont font = base;
@@ -90,6 +96,11 @@ void QtWindow::make_controls() {
         }
     }
     hide_unreachable(*form_, form_->Controls, controls_);
+    // Who presses a button by the mouse goes on with the page, as in any browser.
+    for (QPushButton* const button : inner_->findChildren<QPushButton*>()) {
+        if (button->focusPolicy() == Qt::StrongFocus)
+            button->setFocusPolicy(Qt::TabFocus);
+    }
     place_page();
 }
 
@@ -127,6 +138,23 @@ void QtWindow::order_tabs() {
             setTabOrder(before, next);
         before = next;
     }
+    keep_page_together();
+}
+
+// The view of a page and the widget in it that takes the keys are both stops of the Tab key. Apart, they make
+// two rings out of one, and the page's never leads to the buttons.
+void QtWindow::keep_page_together() {
+    QWidget* const keys = page_focus();
+    QWidget* const page = keys == nullptr ? nullptr : keys->parentWidget();
+    if (page == nullptr || page->focusProxy() != keys)
+        return;
+    QWidget* const before = keys->previousInFocusChain();
+    // With its proxy it would take along whatever stands between the two.
+    page->setFocusProxy(nullptr);
+    if (before != page)
+        setTabOrder(before, page);
+    setTabOrder(page, keys);
+    page->setFocusProxy(keys);
 }
 
 QWidget* QtWindow::page_focus() {
@@ -151,11 +179,23 @@ void QtWindow::show_form() {
         setWindowState(windowState().setFlag(Qt::WindowMinimized, form_->Minimised.get()));
     if (form_->Visible.get() == isVisible())
         return;
+    if (form_->Visible.get() && corner_)
+        move(*corner_);
     setVisible(form_->Visible.get());
     if (isVisible()) {
         raise();
         activateWindow();
     }
+}
+
+void QtWindow::showEvent(QShowEvent* event) {
+    QWidget::showEvent(event);
+    if (event->spontaneous())
+        return;
+    shown_.start();
+    moved_back_ = 0;
+    if (QWidget* const page = focusWidget() == nullptr ? page_focus() : nullptr)
+        page->setFocus();
 }
 
 void QtWindow::follow_size() {
@@ -173,8 +213,10 @@ void QtWindow::follow_size() {
 
 void QtWindow::follow_place() {
     const QPoint corner(to_pixels(form_->Left.get()), to_pixels(form_->Top.get()));
-    if (corner != pos())
-        move(corner);
+    if (corner == pos())
+        return;
+    corner_ = corner;
+    move(corner);
 }
 
 void QtWindow::place_parts() {
@@ -217,9 +259,16 @@ void QtWindow::resizeEvent(QResizeEvent* /*event*/) {
     report_size();
 }
 
-void QtWindow::moveEvent(QMoveEvent* /*event*/) {
+void QtWindow::moveEvent(QMoveEvent* event) {
     if (form_ == nullptr || isMinimized())
         return;
+    if (event->spontaneous() && corner_ && pos() != *corner_ && shown_.isValid() &&
+        shown_.elapsed() < settling_time && moved_back_ < most_moves_back && !isMaximized()) {
+        ++moved_back_;
+        move(*corner_);
+        return;
+    }
+    corner_ = pos();
     const QScopedValueRollback quiet(reporting_, true);
     if (to_pixels(form_->Left.get()) != pos().x())
         form_->Left = to_twips(pos().x());

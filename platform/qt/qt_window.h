@@ -3,10 +3,13 @@
 #include "platform/qt/control_widgets.h"
 #include "platform/window_form.h"
 
+#include <QElapsedTimer>
 #include <QMenuBar>
+#include <QPoint>
 #include <QWidget>
 
 #include <memory>
+#include <optional>
 
 namespace kestrune {
 
@@ -32,6 +35,7 @@ public:
 protected:
     void closeEvent(QCloseEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
+    void showEvent(QShowEvent* event) override;
     void moveEvent(QMoveEvent* event) override;
     void changeEvent(QEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -41,6 +45,7 @@ private:
     void make_timers();
     void make_shortcuts();
     [[nodiscard]] QWidget* page_focus();
+    void keep_page_together();
     void show_form();
     void follow_size();
     void follow_place();
@@ -56,6 +61,11 @@ private:
     QWidget* status_bar_ = nullptr;
     bool reporting_ = false; // the form is being told of the real geometry
     bool minimised_ = false;
+    // Where the window belongs, once somebody has put it there. A window manager places a window anew that
+    // comes back, and frames it only when it is on show, which shifts it.
+    std::optional<QPoint> corner_;
+    QElapsedTimer shown_;
+    int moved_back_ = 0;
 };
 
 } // namespace kestrune
