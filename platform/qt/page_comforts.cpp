@@ -274,6 +274,9 @@ bool PageComforts::may_navigate(const QUrl& url, QWebEnginePage::NavigationType 
         } else {
             parts_->deadline.navigates();
         }
+    } else if (parts_) {
+        // What the former page still had to say about its own load is no end of this one.
+        parts_->deadline.navigates();
     }
     asked_for_ = url;
     return true;

@@ -13,6 +13,7 @@
 #include <QTimer>
 
 #include <algorithm>
+#include <array>
 
 namespace kestrune {
 namespace {
@@ -24,6 +25,7 @@ constexpr int letter_pixels = 12;
 // are undone.
 constexpr qint64 settling_time = 1000;
 constexpr int most_moves_back = 3;
+constexpr std::array look_at_place = {30, 100, 300, 900};
 
 QFont window_font(const QFont& base) {
     QFont font = base;
@@ -194,6 +196,12 @@ void QtWindow::showEvent(QShowEvent* event) {
         return;
     shown_.start();
     moved_back_ = 0;
+    // A frame that is put around the window tells nothing where its place in the frame stays the same.
+    for (const int moment : look_at_place)
+        QTimer::singleShot(moment, this, [this] {
+            if (shifted())
+                move_back();
+        });
     if (QWidget* const page = focusWidget() == nullptr ? page_focus() : nullptr)
         page->setFocus();
 }
@@ -217,6 +225,17 @@ void QtWindow::follow_place() {
         return;
     corner_ = corner;
     move(corner);
+}
+
+bool QtWindow::shifted() const {
+    return form_ != nullptr && corner_ && pos() != *corner_ && isVisible() && !isMaximized() &&
+           !isMinimized() && shown_.isValid() && shown_.elapsed() < settling_time &&
+           moved_back_ < most_moves_back;
+}
+
+void QtWindow::move_back() {
+    ++moved_back_;
+    move(*corner_);
 }
 
 void QtWindow::place_parts() {
@@ -262,10 +281,8 @@ void QtWindow::resizeEvent(QResizeEvent* /*event*/) {
 void QtWindow::moveEvent(QMoveEvent* event) {
     if (form_ == nullptr || isMinimized())
         return;
-    if (event->spontaneous() && corner_ && pos() != *corner_ && shown_.isValid() &&
-        shown_.elapsed() < settling_time && moved_back_ < most_moves_back && !isMaximized()) {
-        ++moved_back_;
-        move(*corner_);
+    if (event->spontaneous() && shifted()) {
+        move_back();
         return;
     }
     corner_ = pos();

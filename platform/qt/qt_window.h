@@ -52,6 +52,8 @@ private:
     void place_parts();
     void place_page();
     void report_size();
+    [[nodiscard]] bool shifted() const;
+    void move_back();
 
     WindowForm* form_; // null once released
     ControlWidgets controls_{ControlWidgets::Placing::by_control};
