@@ -93,15 +93,17 @@ void BrowserWindow::mnuAbout_Click() {
 
 void BrowserWindow::forget_sites() {
     UserInterface& ui = program_.ui();
-    const Answer answer = ui.MessageBox("Do you want to forget what all sites have stored on this computer? "
-                                        "You will be signed out everywhere.",
-                                        Buttons::YesNo);
+    const Answer answer =
+        ui.MessageBox("Do you want to forget what all sites have stored on this computer? "
+                      "You will be signed out, of sites that ask for a name and a password above the "
+                      "page when the program ends.",
+                      Buttons::YesNo);
     if (answer != Answer::Yes)
         return;
     ui.forget_sites();
     ui.MessageBox(
-        "Sign-ins and cookies are deleted. What else sites have stored, the cache included, is deleted when "
-        "the program starts the next time.");
+        "Cookies are deleted. What else sites have stored, the cache included, is deleted when the program "
+        "starts the next time; passwords given above the page are kept until it ends.");
 }
 
 void BrowserWindow::CommandStateChange(int command, bool enable) {

@@ -166,17 +166,18 @@ TEST_F(NavigationTest, AboutIsShownFromTheHelpMenu) {
 
 TEST_F(NavigationTest, SitesAreForgottenByKeyOrFromAboutOnceTheUserAgrees) {
     const std::string question = "Do you want to forget what all sites have stored on this computer? You "
-                                 "will be signed out everywhere.";
+                                 "will be signed out, of sites that ask for a name and a password above the "
+                                 "page when the program ends.";
     ui.expect_box(question, Answer::No);
     press_key("Ctrl+Shift+Del");
     EXPECT_EQ(ui.times_sites_forgotten, 0);
 
     ui.expect_form("frmAbout", [&](Form& form) {
         ui.expect_box(question, Answer::Yes);
-        ui.expect_box("Sign-ins and cookies are deleted. What else sites have stored, the cache included, is "
-                      "deleted when "
-                      "the program starts the next time.",
-                      Answer::Ok);
+        ui.expect_box(
+            "Cookies are deleted. What else sites have stored, the cache included, is deleted when the "
+            "program starts the next time; passwords given above the page are kept until it ends.",
+            Answer::Ok);
         EXPECT_TRUE(press_button(form, "cmdForget"));
         EXPECT_TRUE(press_button(form, "cmdOK"));
     });

@@ -26,18 +26,29 @@ bool make_private(const fs::path& folder) {
     return fs::is_directory(folder, failed);
 }
 
-// Cookies have been deleted when the user asked for it; those there now are newer.
-void forget_stored(const fs::path& storage) {
+// The engine deleted the cookies when the user asked for it: those there now are newer, unless the program
+// was killed before that was written down.
+bool is_to_stay(const fs::path& stored, fs::file_time_type asked) {
+    std::error_code failed;
+    const auto written = fs::last_write_time(stored, failed);
+    return stored.filename().string().starts_with("Cookies") && !failed && written > asked;
+}
+
+// False when something could not be deleted.
+bool forget_stored(const fs::path& storage, fs::file_time_type asked) {
+    bool all = true;
     std::error_code failed;
     for (fs::directory_iterator entry(storage, failed), end; !failed && entry != end;
          entry.increment(failed)) {
-        if (entry->path().filename().string().starts_with("Cookies"))
+        if (is_to_stay(entry->path(), asked))
             continue;
         std::error_code kept;
         fs::remove_all(entry->path(), kept);
         if (kept)
             diagnostics::report("site data not forgotten", kept.message());
+        all = all && !kept;
     }
+    return all && !failed;
 }
 
 } // namespace
@@ -52,17 +63,26 @@ SiteData::SiteData(const fs::path& program_folder) : folder_(program_folder / "s
         return;
     }
     lock_ = std::move(lock);
+    forget_if_asked();
     std::error_code failed;
-    if (fs::remove(part(forget_name), failed)) {
-        forget_stored(part(storage_name));
-        fs::remove_all(part(cache_name), failed);
-    }
     fs::remove_all(part(downloads_name), failed);
     for (const char* name : {storage_name, cache_name, downloads_name})
         make_private(part(name));
 }
 
 SiteData::~SiteData() = default;
+
+void SiteData::forget_if_asked() {
+    std::error_code failed;
+    const auto asked = fs::last_write_time(part(forget_name), failed);
+    if (failed)
+        return;
+    const bool all = forget_stored(part(storage_name), asked);
+    fs::remove_all(part(cache_name), failed);
+    // Last: a program that is killed over it goes on with it when it starts again.
+    if (all && !failed)
+        fs::remove(part(forget_name), failed);
+}
 
 QString SiteData::storage() const { return as_qt(part(storage_name)); }
 

@@ -36,6 +36,7 @@ public:
     void set_note(const QString& name, const QString& text);
 
 private:
+    void forget_if_asked();
     [[nodiscard]] std::filesystem::path part(const char* name) const { return folder_ / name; }
 
     std::filesystem::path folder_;

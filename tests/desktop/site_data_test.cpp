@@ -10,6 +10,7 @@
 
 #include <gmock/gmock.h>
 
+#include <chrono>
 #include <filesystem>
 #include <fstream>
 
@@ -96,6 +97,23 @@ TEST_F(SiteDataTest, the_cache_goes_with_the_start_after_the_forgetting) {
     }
     const SiteData data(folder());
     EXPECT_TRUE(fs::is_empty(folder() / "site data" / "cache"));
+}
+
+TEST_F(SiteDataTest, cookies_whose_deletion_was_never_written_down_go_with_the_rest) {
+    const fs::path storage = folder() / "site data" / "storage";
+    {
+        SiteData data(folder());
+        for (const char* name : {"Cookies", "Cookies-journal"})
+            std::ofstream(storage / name) << "signed in";
+        fs::last_write_time(storage / "Cookies", fs::file_time_type::clock::now() - std::chrono::minutes(1));
+        fs::last_write_time(storage / "Cookies-journal",
+                            fs::file_time_type::clock::now() + std::chrono::minutes(1));
+        data.forget_at_next_start();
+    }
+    const SiteData data(folder());
+    EXPECT_FALSE(fs::exists(storage / "Cookies"));
+    EXPECT_TRUE(fs::exists(storage / "Cookies-journal")) << "newer than the wish";
+    EXPECT_FALSE(fs::exists(folder() / "site data" / "forget"));
 }
 
 TEST_F(SiteDataTest, a_second_program_at_the_same_time_keeps_nothing_and_disturbs_nothing) {
