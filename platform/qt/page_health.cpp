@@ -35,6 +35,7 @@ bool PageHealth::answers() const { return !asked_.isValid() || asked_.elapsed() 
 
 void PageHealth::alive() {
     asked_.invalidate();
+    waits_on_ = false;
     if (bar_ && bar_->objectName() == QLatin1String("PageHangs"))
         say_nothing();
 }
@@ -43,6 +44,7 @@ void PageHealth::began() {
     ++visit_;
     dead_ = false;
     go_ = nullptr;
+    waits_on_ = false;
     asked_.invalidate();
     // What was said of a document is gone with it, but a reload of our own is not yet past.
     if (bar_ && bar_->objectName() != QLatin1String("PageCrashed"))
@@ -62,7 +64,7 @@ void PageHealth::ask() {
         // The timer of `leaving` may have looked a moment too early.
         if (!answers())
             make_way();
-        if (asked_.elapsed() >= patience_.count() && !bar_)
+        if (asked_.elapsed() >= patience_.count() && !bar_ && !waits_on_)
             hangs();
         return;
     }
@@ -76,7 +78,8 @@ void PageHealth::ask() {
 
 void PageHealth::hangs() {
     say(QStringLiteral("PageHangs"), QStringLiteral("This page does not answer"),
-        QStringLiteral("A script of it may be caught. Going to another page ends it."), true);
+        QStringLiteral("One of its scripts may run without end. Going to another page ends it."), true,
+        QStringLiteral("Wait"));
 }
 
 bool PageHealth::leaving(std::function<void()> go) {
@@ -166,7 +169,8 @@ void PageHealth::process_ended(QWebEnginePage::RenderProcessTerminationStatus st
         true);
 }
 
-void PageHealth::say(const QString& name, const QString& heading, const QString& text, bool with_reload) {
+void PageHealth::say(const QString& name, const QString& heading, const QString& text, bool with_reload,
+                     const QString& other) {
     say_nothing();
     PageBar& bar = bars_.add(name);
     bar_ = &bar;
@@ -174,7 +178,10 @@ void PageHealth::say(const QString& name, const QString& heading, const QString&
     bar.set_text(text);
     if (with_reload)
         bar.add_button(QStringLiteral("Reload"), [this] { reload_(true); });
-    bar.add_button(QStringLiteral("Close"), [this] { say_nothing(); });
+    bar.add_button(other, [this] {
+        waits_on_ = true;
+        say_nothing();
+    });
 }
 
 void PageHealth::say_nothing() {

@@ -55,7 +55,8 @@ private:
     void end_for_leaving();
     void go();
     void process_ended(QWebEnginePage::RenderProcessTerminationStatus status);
-    void say(const QString& name, const QString& heading, const QString& text, bool with_reload);
+    void say(const QString& name, const QString& heading, const QString& text, bool with_reload,
+             const QString& other = QStringLiteral("Close"));
     void say_nothing();
 
     QWebEnginePage& page_;
@@ -70,6 +71,7 @@ private:
     std::chrono::milliseconds patience_{};
     int visit_ = 0; // documents so far; an answer to the former one says nothing
     int reloads_ = 0;
+    bool waits_on_ = false; // the user has read that the page hangs, and has not gone
     bool ended_by_us_ = false;
     bool makes_way_ = false; // it was ended because the page is to be left
     bool reload_due_ = false;

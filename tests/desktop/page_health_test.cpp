@@ -2,6 +2,7 @@
 
 #include <QWebEngineView>
 
+#include <algorithm>
 #include <csignal>
 
 namespace kestrune {
@@ -86,6 +87,22 @@ TEST_F(PageHealthTest, a_page_that_hangs_is_said_to_and_says_so_no_longer_once_i
     ASSERT_NE(wait_for_bar("PageHangs"), nullptr);
     EXPECT_TRUE(wait_until([&] { return bar("PageHangs") == nullptr; }));
     EXPECT_TRUE(browser_->take_image(page.id, everything).has_value());
+}
+
+TEST_F(PageHealthTest, who_waits_for_a_page_that_hangs_is_told_again_only_when_it_hangs_again) {
+    browser_->set_hang_time(300ms);
+    const PageDocument page =
+        open_page("<a href='javascript:(() => { const end = Date.now() + 3000; while (Date.now() < end); "
+                  "})()'>busy</a>");
+    click_link(page);
+    PageBar* const told = wait_for_bar("PageHangs");
+    ASSERT_NE(told, nullptr);
+    BarUser::press(*told, "Wait");
+    EXPECT_TRUE(browser_->take_image(page.id, everything).has_value() ||
+                wait_until([&] { return browser_->take_image(page.id, everything).has_value(); }));
+    EXPECT_EQ(std::count(user_.seen().begin(), user_.seen().end(), "PageHangs"), 1);
+    click_link(page);
+    EXPECT_NE(wait_for_bar("PageHangs"), nullptr);
 }
 
 TEST_F(PageHealthTest, leaving_a_page_that_hangs_for_another_of_its_site_works) {
