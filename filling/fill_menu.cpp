@@ -54,7 +54,7 @@ void fill_active(LivePage& page, const FrmPreference& profile, const FillEntry& 
 }
 
 std::string line_of(const FieldReport& field) {
-    const std::string name = field.name.empty() ? "(no name)" : field.name;
+    const std::string name = field.name.empty() ? "(no name)" : shortened(field.name);
     const std::string label =
         field.label.empty() ? "no label" : "\"" + shortened(field.label) + "\" (" + field.label_from + ")";
     const std::string row = field.locked            ? "the page lets nobody write there"

@@ -134,6 +134,8 @@ public:
     // What page processing works on in this window.
     [[nodiscard]] PageProcessing page_processing();
     [[nodiscard]] bool busy() const { return events_.busy(); }
+    // It has unloaded, or will with the last pop-up over it.
+    [[nodiscard]] bool going() const { return unloaded_ || unload_waits_; }
 
 private:
     // BrowserEvents

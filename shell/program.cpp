@@ -27,8 +27,28 @@ BrowserWindow& Program::start() {
 
 BrowserWindow& Program::new_window(BrowserWindow* opener) {
     BrowserWindow& window = *windows_.emplace_back(std::make_unique<BrowserWindow>(*this, opener));
-    window.Form_Load();
+    try {
+        window.Form_Load();
+    } catch (...) {
+        windows_.pop_back();
+        show_uppermost();
+        throw;
+    }
     return window;
+}
+
+void Program::hide_all_but(const BrowserWindow& window) {
+    for (const auto& other : windows_) {
+        if (other.get() != &window)
+            other->form.Visible = false;
+    }
+}
+
+void Program::show_uppermost() {
+    const auto uppermost = std::find_if(windows_.rbegin(), windows_.rend(),
+                                        [](const auto& window) { return !window->going(); });
+    if (uppermost != windows_.rend())
+        (*uppermost)->form.Visible = true;
 }
 
 void Program::destroy_later(const BrowserWindow& window) {

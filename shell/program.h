@@ -30,8 +30,13 @@ public:
 
     // Loads the first window and shows it.
     BrowserWindow& start();
-    // Makes a window, loads it and leaves it hidden.
+    // Makes a window, loads it and leaves it hidden; the windows below it are hidden, too. Throws, and leaves
+    // everything as it was, when it cannot be loaded.
     BrowserWindow& new_window(BrowserWindow* opener);
+    // The windows lie on each other in the order in which they were opened, and only the uppermost is seen:
+    // also when one window has opened several, or one that is hidden opens another.
+    void hide_all_but(const BrowserWindow& window);
+    void show_uppermost();
     // A window has unloaded: it is destroyed once no handler of it is on the stack.
     void destroy_later(const BrowserWindow& window);
     // Every window goes, and the program with them.

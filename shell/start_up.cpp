@@ -21,7 +21,7 @@ void BrowserWindow::Form_Load() {
     bFirstFlag = true;
     if (objParentForm != nullptr) {
         CopyMenuStateFromParent();
-        objParentForm->form.Visible = false;
+        program_.hide_all_but(*this);
     }
     navigate("about:blank");
 }
@@ -61,7 +61,6 @@ void BrowserWindow::CopyMenuStateToParent() {
     objParentForm->mnuNoPAD.Checked = mnuNoPAD.Checked.get();
 }
 
-// A window under a pop-up is hidden until the last one has gone.
 bool BrowserWindow::has_popup() const {
     const auto& windows = program_.windows();
     return std::any_of(windows.begin(), windows.end(), [this](const auto& window) {
@@ -73,8 +72,7 @@ void BrowserWindow::Form_QueryUnload() {
     unloaded_ = true;
     if (objParentForm == nullptr)
         return;
-    if (!objParentForm->has_popup() && !objParentForm->unload_waits_)
-        objParentForm->form.Visible = true;
+    program_.show_uppermost();
     if (gbRecordChanged)
         objParentForm->CallLoadPermanentRecord();
     CopyMenuStateToParent();

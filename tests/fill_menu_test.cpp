@@ -207,5 +207,11 @@ TEST_F(FillMenuTest, ReportForPeopleTellsLabelRowAndValue) {
               "c: \"Publisher\" (row) - the page lets nobody write there - left as it is\n");
 }
 
+TEST_F(FillMenuTest, ReportForPeopleShortensWhatPagesCallTheirFields) {
+    const FillReport report{{std::string(5000000, 'n') + "\nend", "text", "", "", "", "", false}};
+    EXPECT_EQ(FillReportText(report),
+              std::string(40, 'n') + "...: no label - no row of the table matches - left as it is\n");
+}
+
 } // namespace
 } // namespace kestrune

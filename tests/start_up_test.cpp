@@ -1,7 +1,13 @@
 #include "window_fixture.h"
 
+#include <gmock/gmock.h>
+
+#include <stdexcept>
+
 namespace kestrune {
 namespace {
+
+using ::testing::ElementsAre;
 
 class StartUpTest : public WindowTest {};
 
@@ -143,6 +149,67 @@ TEST_F(PopupTest, OpenerOfSeveralPopupsIsShownOnceTheLastHasClosed) {
     first.Unload();
     EXPECT_FALSE(window().form.Visible.get());
     second.Unload();
+    EXPECT_TRUE(window().form.Visible.get());
+}
+
+// The windows that can be seen, by their captions.
+std::vector<std::string> seen(const Program& program) {
+    std::vector<std::string> captions;
+    for (const auto& window : program.windows()) {
+        if (window->form.Visible.get())
+            captions.push_back(window->form.Caption.get());
+    }
+    return captions;
+}
+
+TEST_F(PopupTest, SecondPopupOfAWindowHidesTheFirstUntilItCloses) {
+    BrowserWindow& first = open(window());
+    BrowserWindow& second = open(window());
+    first.form.Caption = "first";
+    second.form.Caption = "second";
+    EXPECT_THAT(seen(program), ElementsAre("second"));
+    second.form.CloseRequested();
+    EXPECT_THAT(seen(program), ElementsAre("first"));
+    first.form.CloseRequested();
+    EXPECT_THAT(seen(program), ElementsAre("Kestrune V1.0 (First Window)"));
+}
+
+TEST_F(PopupTest, PopupThatAHiddenWindowOpensLiesOverAllOthers) {
+    BrowserWindow& first = open(window());
+    BrowserWindow& upper = open(first);
+    upper.form.Caption = "upper";
+    BrowserWindow& second = open(window());
+    second.form.Caption = "second";
+    BrowserWindow& latest = open(first);
+    latest.form.Caption = "latest";
+    EXPECT_THAT(seen(program), ElementsAre("latest"));
+    latest.form.CloseRequested();
+    EXPECT_THAT(seen(program), ElementsAre("second")) << "the opener lies under another one still";
+    second.form.CloseRequested();
+    EXPECT_THAT(seen(program), ElementsAre("upper"));
+}
+
+TEST_F(PopupTest, HiddenPopupThatClosesLeavesTheUppermostInPlace) {
+    BrowserWindow& first = open(window());
+    open(window()).form.Caption = "second";
+    dynamic_cast<MemoryBrowser&>(first.browser()).events().WindowClosing();
+    ui.run_later();
+    EXPECT_THAT(seen(program), ElementsAre("second"));
+}
+
+TEST_F(PopupTest, PopupThatCannotBeLoadedIsGoneAndItsOpenerIsSeenAgain) {
+    window().form.Follow = [this] {
+        if (!window().form.Visible.get())
+            throw std::runtime_error("no room for a window");
+    };
+    window().mnuBlock.Checked = false;
+    EXPECT_EQ(request(window(), program), nullptr);
+    EXPECT_EQ(program.windows().size(), 1U);
+    EXPECT_TRUE(window().form.Visible.get());
+    window().form.Follow = nullptr;
+    BrowserWindow& popup = open(window());
+    EXPECT_THAT(seen(program), ElementsAre(popup.form.Caption.get()));
+    popup.form.CloseRequested();
     EXPECT_TRUE(window().form.Visible.get());
 }
 
