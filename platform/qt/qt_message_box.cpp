@@ -19,7 +19,8 @@
 namespace kestrune {
 namespace {
 
-constexpr int widest_text = 460; // pixels
+constexpr int widest_text = 460;         // pixels
+constexpr qsizetype longest_text = 4000; // characters; far more than the program itself has to say
 
 struct Choice {
     std::string_view caption; // the button's object name, too
@@ -49,17 +50,17 @@ QtMessageBox::QtMessageBox(std::string_view text, Buttons buttons, std::string_v
     : QDialog(nullptr, frame_for(buttons)), buttons_(buttons), answer_(choices(buttons).back().answer) {
     setObjectName(QStringLiteral("MessageBox"));
     setWindowTitle(title_text(title));
-    setAccessibleName(to_qt(title));
-    setAccessibleDescription(to_qt(text));
+    setAccessibleName(plain_line(title, longest_title));
+    setAccessibleDescription(plain_text(text, longest_text));
     auto& column = child_of<QVBoxLayout>(*this);
     column.setContentsMargins(18, 18, 18, 14);
     column.setSpacing(16);
-    add_texts(column, text, title);
+    add_texts(column, title != UserInterface::default_title);
     add_buttons(column);
     column.setSizeConstraint(QLayout::SetFixedSize);
 }
 
-void QtMessageBox::add_texts(QVBoxLayout& column, std::string_view text, std::string_view title) {
+void QtMessageBox::add_texts(QVBoxLayout& column, bool with_title) {
     auto& scroll = child_of<QScrollArea>(*this);
     scroll.setFrameShape(QFrame::NoFrame);
     scroll.setWidgetResizable(true);
@@ -83,22 +84,22 @@ void QtMessageBox::add_texts(QVBoxLayout& column, std::string_view text, std::st
     texts.setSpacing(8);
     int width = 0;
     int height = 0;
-    const auto add = [&](std::string_view shown, const char* name, bool bold) {
+    const auto add = [&](const QString& shown, const char* name, bool bold) {
         auto& label = child_of<WrappedLabel>(content);
         label.setObjectName(QString::fromLatin1(name));
         QFont letters = label.font();
         letters.setBold(bold);
         label.setFont(letters);
-        label.setText(to_qt(shown));
+        label.setText(shown);
         label.set_preferred_width(widest_text);
         texts.addWidget(&label);
         width = std::max(width, label.sizeHint().width());
         return &label;
     };
     std::vector<WrappedLabel*> labels;
-    if (title != UserInterface::default_title && !title.empty())
-        labels.push_back(add(title, "Title", true));
-    labels.push_back(add(text, "Text", false));
+    if (with_title && !accessibleName().isEmpty())
+        labels.push_back(add(accessibleName(), "Title", true));
+    labels.push_back(add(accessibleDescription(), "Text", false));
     for (const WrappedLabel* label : labels)
         height += label->heightForWidth(width) + texts.spacing();
     texts.addStretch(1);

@@ -14,8 +14,17 @@ std::string from_qt(const QString& text);
 // Spelled so that widgets which read "&" as the mark of a shortcut letter show it as a character.
 QString literal(std::string_view text);
 
-// One line for a title bar: line ends and control characters become blanks, and the marks that Qt replaces in
-// titles stand as written.
+// Words that may come from a page, fit to stand among the program's own: at most `most` characters, with
+// blanks in place of control characters and of the marks that turn the direction of writing round.
+// `plain_line` is one line, whatever it holds; `plain_text` keeps its line ends.
+QString plain_line(std::string_view text, qsizetype most);
+QString plain_text(std::string_view text, qsizetype most);
+
+// The longest title that is shown, in characters. A page's link or address may be a title, and a toolkit that
+// lays out a word of a hundred thousand letters is busy for a minute.
+inline constexpr qsizetype longest_title = 200;
+
+// As plain_line, for a title bar: the marks that Qt replaces in titles stand as written.
 QString title_text(std::string_view text);
 
 // Tool tips guess whether their text is HTML; this is shown as the plain text it is, cut when very long.

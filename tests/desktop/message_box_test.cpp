@@ -61,7 +61,7 @@ TEST_F(MessageBox, EnterPressesTheFirstButton) {
 }
 
 TEST_F(MessageBox, TextAndTitleArePlainTextAndALongTitleIsReadableInTheBox) {
-    const std::string address = "Address: http://a/<img src=x>?" + std::string(700, 'q') + "&end";
+    const std::string address = "Address: http://a/<img src=x>?" + std::string(150, 'q') + "&end";
     user.expect("MessageBox", [&address](QDialog& box) {
         const auto* const title = box.findChild<QLabel*>("Title");
         ASSERT_NE(title, nullptr);
@@ -76,6 +76,52 @@ TEST_F(MessageBox, TextAndTitleArePlainTextAndALongTitleIsReadableInTheBox) {
         press(box, "No");
     });
     desktop.MessageBox("<b>Go</b>?", Buttons::YesNo, address);
+}
+
+TEST_F(MessageBox, TitleOfAPageIsOneLineAndCutAndTurnsNoWritingRound) {
+    std::string link = "Link = 'Submit\nKestrune\r\nasks:\u2028your\u202Eexe.\u2066password\t";
+    for (int i = 0; i < 300000; ++i)
+        link += "\u0416"; // a letter that no word of a link begins with
+    user.expect("MessageBox", [](QDialog& box) {
+        const QString shown = box.findChild<QLabel*>("Title")->text();
+        EXPECT_TRUE(shown.startsWith("Link = 'Submit Kestrune  asks: your exe. password \u0416"))
+            << shown.toStdString();
+        EXPECT_TRUE(shown.endsWith(QString("\u0416\u2026")));
+        EXPECT_EQ(shown.size(), 201);
+        EXPECT_EQ(box.windowTitle(), shown);
+        EXPECT_EQ(box.accessibleName(), shown);
+        press(box, "No");
+    });
+    desktop.MessageBox("Do you want to go to this link", Buttons::YesNo, link);
+}
+
+TEST_F(MessageBox, LetterOfTwoUnitsIsNotCutInHalf) {
+    user.expect("MessageBox", [](QDialog& box) {
+        const QString shown = box.findChild<QLabel*>("Title")->text();
+        EXPECT_EQ(shown, QString("x") + QString("\U0001F600").repeated(99) + QChar(0x2026));
+        press(box, "No");
+    });
+    std::string title = "x";
+    for (int i = 0; i < 500; ++i)
+        title += "\U0001F600";
+    desktop.MessageBox("Go?", Buttons::YesNo, title);
+}
+
+TEST_F(MessageBox, TextKeepsItsLinesAndIsCutOnlyWhenItHasNoEnd) {
+    std::string lines;
+    for (int i = 0; i < 100; ++i)
+        lines += "line " + std::to_string(i) + "\r\n";
+    user.expect("MessageBox", [&lines](QDialog& box) {
+        EXPECT_EQ(box.findChild<QLabel*>("Text")->text(), QString::fromStdString(lines).remove(u'\r'));
+        press(box, "OK");
+    });
+    desktop.MessageBox(lines);
+    user.expect("MessageBox", [](QDialog& box) {
+        EXPECT_EQ(box.findChild<QLabel*>("Text")->text(), QString(4000, u'x') + QChar(0x2026));
+        EXPECT_EQ(box.accessibleDescription().size(), 4001);
+        press(box, "OK");
+    });
+    desktop.MessageBox(std::string(1000000, 'x'));
 }
 
 TEST_F(MessageBox, ProgramsOwnTitleIsNotRepeatedInTheBox) {
