@@ -43,8 +43,8 @@ public:
     // Shows the dialog and returns once it is hidden. The dialog's controls hold what the user left in them.
     virtual void ShowModal(Form& form) = 0;
 
-    // Shows a menu of the window that is showing as a pop-up menu where the user asked for it, and returns
-    // once it is closed and the chosen entry has done its work.
+    // Shows a menu of a window as a pop-up menu where the user asked for it there, and returns once it is
+    // closed and the chosen entry has done its work; at once when that window is hidden.
     virtual void PopupMenu(const MenuItem& menu) = 0;
 
     // Lets the user choose a file to open. filter is "description|pattern". The full path, "" when cancelled.

@@ -119,13 +119,15 @@ void QtUserInterface::ShowModal(Form& form) {
 
 void QtUserInterface::PopupMenu(const MenuItem& menu) {
     const Nested nested{*this};
-    QtWindow* const window = shown_window();
-    auto* const shown = window == nullptr ? nullptr : window->findChild<QMenu*>(to_qt(menu.Name));
-    if (shown == nullptr)
-        return;
-    const auto* const requests = window->findChild<MenuRequests*>();
-    const auto asked = requests == nullptr ? std::nullopt : requests->menu_place();
-    shown->exec(asked.value_or(QCursor::pos()));
+    for (const QPointer<QtWindow>& window : windows_) {
+        QMenu* const shown = window.isNull() ? nullptr : window->shown_menu(menu);
+        if (shown == nullptr)
+            continue;
+        const auto* const requests = window->findChild<MenuRequests*>();
+        const auto asked = requests == nullptr ? std::nullopt : requests->menu_place();
+        shown->exec(asked.value_or(QCursor::pos()));
+        return; // the windows are not the same any more
+    }
 }
 
 std::string QtUserInterface::OpenFileDialog(std::string_view filter) {
@@ -227,12 +229,15 @@ QtWindow* QtUserInterface::shown_window() const {
     return shown == windows_.rend() ? nullptr : shown->data();
 }
 
+// Who asks is not told, but only one window is ever seen, and while a dialog is open nothing else asks.
 void QtUserInterface::stand_above_window(QDialog& dialog) const {
-    const QtWindow* const window = shown_window();
-    if (window == nullptr)
+    const QWidget* above = QApplication::activeModalWidget();
+    if (above == nullptr)
+        above = shown_window();
+    if (above == nullptr)
         return;
     dialog.winId();
-    dialog.windowHandle()->setTransientParent(window->windowHandle());
+    dialog.windowHandle()->setTransientParent(above->windowHandle());
 }
 
 } // namespace kestrune

@@ -48,7 +48,7 @@ public:
 private:
     class Nested;
 
-    // Keeps a dialog above the window that it belongs to.
+    // Keeps a dialog above the dialog or window that asks by it.
     void stand_above_window(QDialog& dialog) const;
     // Null when no window is showing.
     [[nodiscard]] QtWindow* shown_window() const;

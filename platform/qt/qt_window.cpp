@@ -7,6 +7,7 @@
 #include "platform/qt/twips.h"
 
 #include <QCloseEvent>
+#include <QMenu>
 #include <QPushButton>
 #include <QScopedValueRollback>
 #include <QShortcut>
@@ -49,6 +50,12 @@ void hide_unreachable(const WindowForm& form, const std::vector<Control*>& contr
     }
 }
 
+bool holds(const std::vector<MenuItem*>& items, const MenuItem& sought) {
+    return std::any_of(items.begin(), items.end(), [&sought](const MenuItem* item) {
+        return item == &sought || holds(item->Items, sought);
+    });
+}
+
 void show_timer(const Timer& timer, QTimer& clock) {
     const bool running = timer.Enabled.get() && timer.Interval.get() > 0;
     if (!running)
@@ -81,6 +88,12 @@ void QtWindow::release() {
     form_ = nullptr;
     controls_.release();
     hide();
+}
+
+QMenu* QtWindow::shown_menu(const MenuItem& item) const {
+    if (form_ == nullptr || !isVisible() || !holds(form_->MenuBar, item))
+        return nullptr;
+    return menu_bar_->findChild<QMenu*>(to_qt(item.Name));
 }
 
 void QtWindow::make_controls() {

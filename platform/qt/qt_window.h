@@ -29,6 +29,9 @@ public:
     // To be called once the page's widget lies in the page area: the Tab key finds it then.
     void order_tabs();
 
+    // The window's real menu of this item; null when the item is of another window, or this one is hidden.
+    [[nodiscard]] QMenu* shown_menu(const MenuItem& item) const;
+
     // Hides the window and lets go of the form for good.
     void release();
 

@@ -395,8 +395,11 @@ TEST_F(PopupsTest, SecondPopupOfAWindowComesOverTheFirstAndTheWindowReturnsWithT
     browse("/one");
     wait_for_windows(3);
     wait_for_popup("/popup?2");
+    EXPECT_TRUE(visible(newest()));
+    EXPECT_FALSE(visible(*program().windows()[1]));
     newest().form.CloseRequested();
     wait_for_windows(2);
+    EXPECT_TRUE(visible(newest())) << "the first one comes back";
     EXPECT_FALSE(visible(window()));
     newest().form.CloseRequested();
     wait_for_windows(1);
