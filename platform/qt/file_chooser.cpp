@@ -4,14 +4,22 @@
 #include <QMimeDatabase>
 #include <QWindow>
 
+#include <algorithm>
+
 namespace kestrune {
 namespace {
+
+// A page may name as many types as it likes, and the dialog looks at each of its files for each of them.
+constexpr qsizetype most_types = 50;
+constexpr qsizetype longest_type = 100; // characters
 
 // What the field accepts first, everything second: sites often forget a type.
 QStringList filters_for(const QStringList& types) {
     const QMimeDatabase known;
     QStringList patterns;
-    for (const QString& type : types) {
+    for (const QString& type : types.first(std::min(types.size(), most_types))) {
+        if (type.size() > longest_type)
+            continue;
         if (type.startsWith(u'.') && !type.contains(u' ') && !type.contains(u')'))
             patterns << QStringLiteral("*") + type;
         else

@@ -6,15 +6,13 @@
 #include "platform/qt/find_bar.h"
 #include "platform/qt/page_bar.h"
 #include "platform/qt/page_overlay.h"
-#include "platform/qt/qt_text.h"
+#include "platform/qt/source_window.h"
 
 #include <QAction>
 #include <QBoxLayout>
 #include <QFileDialog>
 #include <QFileInfo>
-#include <QFontDatabase>
 #include <QMenu>
-#include <QPlainTextEdit>
 #include <QPushButton>
 #include <QSaveFile>
 #include <QShortcut>
@@ -32,7 +30,6 @@ namespace {
 
 constexpr std::array<double, 17> zooms = {0.25, 0.33, 0.5,  0.67, 0.75, 0.8, 0.9, 1.0, 1.1,
                                           1.25, 1.5,  1.75, 2.0,  2.5,  3.0, 4.0, 5.0};
-constexpr qsizetype longest_source = 8 << 20; // characters
 
 double next_zoom(double now, int step) {
     const auto nearest = std::min_element(zooms.begin(), zooms.end(), [now](double a, double b) {
@@ -140,13 +137,7 @@ void PageTools::show_source() {
         if (!self)
             return;
         delete self->source_.data();
-        auto window = std::make_unique<QPlainTextEdit>();
-        window->setObjectName(QStringLiteral("PageSource"));
-        window->setWindowTitle(title_text(title.left(300).toStdString()));
-        window->setReadOnly(true);
-        window->setLineWrapMode(QPlainTextEdit::NoWrap);
-        window->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
-        window->setPlainText(html.left(longest_source));
+        auto window = std::make_unique<SourceWindow>(title, html);
         window->setAttribute(Qt::WA_DeleteOnClose);
         window->resize(self->place_.size());
         self->source_ = window.get();

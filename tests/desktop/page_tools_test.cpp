@@ -1,4 +1,5 @@
 #include "platform/qt/page_tools.h"
+#include "platform/qt/source_window.h"
 #include "tests/desktop/comforts_fixture.h"
 #include "tests/desktop/dialog_user.h"
 #include "tests/desktop/painted.h"
@@ -35,6 +36,17 @@ protected:
     template <typename Widget = QWidget>
     [[nodiscard]] Widget& part(const char* name) {
         return *place_.findChild<Widget*>(QString::fromLatin1(name));
+    }
+    static QWidget* source_window() {
+        QWidget* window = nullptr;
+        EXPECT_TRUE(wait_until([&] {
+            for (QWidget* top : QApplication::topLevelWidgets()) {
+                if (top->objectName() == "PageSource")
+                    window = top;
+            }
+            return window != nullptr;
+        }));
+        return window;
     }
     std::string count() { return part<QLabel>("FindCount").text().toStdString(); }
 };
@@ -110,18 +122,49 @@ TEST_F(PageToolsTest, a_load_under_way_is_seen) {
 TEST_F(PageToolsTest, the_source_is_shown_as_plain_text) {
     open_page("<p id=here>text</p>");
     key(Qt::Key_U);
-    QPlainTextEdit* source = nullptr;
-    EXPECT_TRUE(wait_until([&] {
-        for (QWidget* top : QApplication::topLevelWidgets()) {
-            if (top->objectName() == "PageSource")
-                source = dynamic_cast<QPlainTextEdit*>(top);
-        }
-        return source != nullptr;
-    }));
-    ASSERT_NE(source, nullptr);
-    EXPECT_THAT(source->toPlainText().toStdString(), HasSubstr("<p id=\"here\">text</p>"));
-    EXPECT_TRUE(source->isReadOnly());
+    const QWidget* const window = source_window();
+    ASSERT_NE(window, nullptr);
+    const auto& source = *window->findChild<QPlainTextEdit*>("SourceText");
+    EXPECT_THAT(source.toPlainText().toStdString(), HasSubstr("<p id=\"here\">text</p>"));
+    EXPECT_TRUE(source.isReadOnly());
+    EXPECT_EQ(window->findChild<QLabel*>("SourceNote"), nullptr) << "nothing is left out or changed";
     EXPECT_EQ(probe_.count("new window"), 0);
+}
+
+TEST_F(PageToolsTest, the_source_of_one_endless_line_is_shown_in_lines) {
+    open_page("<p>" + std::string(3000000, 'x') + "</p>");
+    key(Qt::Key_U);
+    const QWidget* const window = source_window();
+    ASSERT_NE(window, nullptr);
+    QString text = window->findChild<QPlainTextEdit*>("SourceText")->toPlainText();
+    for (const QString& line : text.split(u'\n'))
+        EXPECT_LE(line.size(), SourceWindow::longest_line);
+    EXPECT_TRUE(text.remove(u'\n').contains("<p>" + QString(3000000, u'x') + "</p>"));
+    EXPECT_EQ(window->findChild<QLabel*>("SourceNote")->text(),
+              "Lines of more than 2000 characters are broken.");
+}
+
+QStringList lines_of(const SourceWindow& window) {
+    return window.findChild<QPlainTextEdit*>("SourceText")->toPlainText().split(u'\n');
+}
+
+TEST(SourceWindow, LinesAreBrokenOnlyWhereTheyAreTooLong) {
+    const QString longest(SourceWindow::longest_line, u'a');
+    EXPECT_EQ(lines_of(SourceWindow("Source", longest + "\nb\n\n" + longest + "cd\ne")),
+              QStringList({longest, "b", "", longest, "cd", "e"}));
+}
+
+TEST(SourceWindow, LetterOfTwoUnitsIsNotBroken) {
+    const QString before(SourceWindow::longest_line - 1, u'a');
+    EXPECT_EQ(lines_of(SourceWindow("Source", before + "\U0001F600")),
+              QStringList({before, QString("\U0001F600")}));
+}
+
+TEST(SourceWindow, EndOfASourceOfTooManyLinesIsLeftOut) {
+    const SourceWindow window("Source", QString("\n").repeated(SourceWindow::most_lines) + "end");
+    EXPECT_EQ(lines_of(window).size(), SourceWindow::most_lines + 1);
+    EXPECT_EQ(lines_of(window).last(), "");
+    EXPECT_EQ(window.findChild<QLabel*>("SourceNote")->text(), "Only the beginning of the source is shown.");
 }
 
 TEST_F(PageToolsTest, a_page_is_printed_to_a_pdf_file) {
