@@ -45,8 +45,8 @@ void Program::hide_all_but(const BrowserWindow& window) {
 }
 
 void Program::show_uppermost() {
-    const auto uppermost = std::find_if(windows_.rbegin(), windows_.rend(),
-                                        [](const auto& window) { return !window->going(); });
+    const auto uppermost =
+        std::find_if(windows_.rbegin(), windows_.rend(), [](const auto& window) { return !window->going(); });
     if (uppermost != windows_.rend())
         (*uppermost)->form.Visible = true;
 }

@@ -3,6 +3,7 @@
 #include "platform/qt/engine_image.h"
 #include "platform/qt/engine_waits.h"
 
+#include <QEventLoop>
 #include <QPointer>
 #include <QTimer>
 #include <QVariant>
@@ -33,8 +34,9 @@ void PageCalls::arrived(quint32 request, const QString& image) {
     if (found == waiting_.end())
         return;
     Answer answer;
-    answer.image = read_image(image, found->second.document, found->second.parts);
-    answer.gone = !answer.image;
+    answer.gone = image == QLatin1String("null");
+    if (!answer.gone)
+        answer.image = read_image(image, found->second.document, found->second.parts);
     settle(request, std::move(answer));
 }
 
@@ -48,12 +50,16 @@ void PageCalls::abandon() {
         waiting.receive({std::nullopt, true});
 }
 
+// A document without the page side in it is not the one that was asked. An answer without a value is none
+// of the page side's: the next document to begin, or the clock, tells what it meant.
 void PageCalls::ask(quint32 request, const QByteArray& code) {
-    page_.runJavaScript(QString::fromUtf8(code), QWebEngineScript::ApplicationWorld,
+    const QByteArray guarded =
+        "(() => { try { return Object.hasOwn(globalThis, 'kestrune') && kestrune.image ? " + code +
+        " : 'null'; } catch (error) { return 'unreadable'; } })()";
+    page_.runJavaScript(QString::fromUtf8(guarded), QWebEngineScript::ApplicationWorld,
                         [self = QPointer<PageCalls>(this), request](const QVariant& answer) {
                             const QString text = answer.toString();
-                            const bool later = answer.isValid() && text.isEmpty();
-                            if (self && !later)
+                            if (self && !text.isEmpty())
                                 self->arrived(request, text);
                         });
 }
@@ -74,6 +80,31 @@ void PageCalls::settle(quint32 request, Answer answer) {
     const Receive receive = std::move(found->second.receive);
     waiting_.erase(found);
     receive(std::move(answer));
+}
+
+std::optional<PageDocument> wait_for_image(PageCalls& calls, const DocumentId& document, PageParts parts,
+                                           const std::shared_ptr<EngineWaits>& waits) {
+    struct Result {
+        std::optional<PageDocument> image;
+        bool done = false;
+    };
+    // The calls can end while this waits; what the answer writes to must not.
+    const auto result = std::make_shared<Result>();
+    const std::shared_ptr<EngineWaits> kept = waits;
+    QEventLoop loop;
+    const QPointer<QEventLoop> waiting(&loop);
+    calls.fetch_image(document, parts, [result, waiting](PageCalls::Answer answer) {
+        result->image = std::move(answer.image);
+        result->done = true;
+        if (waiting)
+            waiting->quit();
+    });
+    // Asked for from inside a posted event, the loop would sleep on the engine's own events posted behind it.
+    loop.wakeUp();
+    const EngineWaits::ForPage waiting_for_page(*kept);
+    if (!result->done)
+        loop.exec(QEventLoop::ExcludeUserInputEvents);
+    return std::move(result->image);
 }
 
 } // namespace kestrune

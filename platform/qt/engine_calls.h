@@ -9,6 +9,7 @@
 #include <chrono>
 #include <functional>
 #include <map>
+#include <memory>
 #include <optional>
 
 class QWebEnginePage;
@@ -23,7 +24,9 @@ class PageCalls : public QObject {
 public:
     struct Answer {
         std::optional<PageDocument> image;
-        bool gone = false; // the document is gone; without an image and not gone, it did not answer in time
+        // The document is gone. Without an image and not gone, it did not answer in time, or what it
+        // answered cannot be read.
+        bool gone = false;
     };
     using Receive = std::function<void(Answer)>;
 
@@ -60,5 +63,10 @@ private:
     std::map<quint32, Waiting> waiting_;
     quint32 next_request_ = 1;
 };
+
+// Fetches an image and waits for it, as PageCalls bounds it. The calls may end meanwhile. What the user does
+// waits: its handler would run inside the one that asks.
+std::optional<PageDocument> wait_for_image(PageCalls& calls, const DocumentId& document, PageParts parts,
+                                           const std::shared_ptr<EngineWaits>& waits);
 
 } // namespace kestrune

@@ -11,8 +11,6 @@ namespace {
 constexpr qsizetype longest_image = 128 << 20; // characters
 constexpr int deepest_frame = 24;
 
-std::string text_of(const QJsonValue& value) { return value.toString().toStdString(); }
-
 ElementRef ref_of(const DocumentId& document, const QJsonValue& value) {
     const double number = value.toDouble();
     const bool fits = number >= 1 && number <= std::numeric_limits<std::uint32_t>::max();
@@ -98,6 +96,8 @@ QLatin1String kind_of(PageEdit::Kind kind) {
 }
 
 } // namespace
+
+std::string text_of(const QJsonValue& value) { return value.toString().toStdString(); }
 
 std::optional<PageDocument> read_image(const QString& json, const DocumentId& document, PageParts parts) {
     if (json.size() > longest_image)

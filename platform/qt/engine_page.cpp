@@ -50,8 +50,8 @@ QString script_name() { return QStringLiteral("kestrune"); }
 
 class RequestWatch : public QWebEngineUrlRequestInterceptor {
 public:
-    RequestWatch(EnginePageEvents& events, std::function<PageRequests*()> requests)
-        : events_(events), requests_(std::move(requests)) {}
+    RequestWatch(std::function<EnginePageEvents*()> events, std::function<PageRequests*()> requests)
+        : events_(std::move(events)), requests_(std::move(requests)) {}
 
     void interceptRequest(QWebEngineUrlRequestInfo& info) override {
         const bool top_level = info.resourceType() == QWebEngineUrlRequestInfo::ResourceTypeMainFrame;
@@ -60,11 +60,12 @@ public:
         if (PageRequests* const requests = requests_())
             requests->requesting(info.requestMethod(), top_level);
         const bool redirect = info.navigationType() == QWebEngineUrlRequestInfo::NavigationTypeRedirect;
-        events_.navigation_requested(info.requestUrl(), redirect, top_level);
+        if (EnginePageEvents* const events = events_())
+            events->navigation_requested(info.requestUrl(), redirect, top_level);
     }
 
 private:
-    EnginePageEvents& events_;
+    std::function<EnginePageEvents*()> events_;
     std::function<PageRequests*()> requests_;
 };
 
@@ -98,11 +99,12 @@ QString page_script(const QJsonObject& config) {
 } // namespace
 
 EnginePage::EnginePage(QWebEngineProfile& profile, EnginePageEvents& events)
-    : QWebEnginePage(&profile), events_(events), bridge_([this](PageNotice notice) {
+    : QWebEnginePage(&profile), events_(&events), bridge_([this](PageNotice notice) {
           begun_ = begun_ || notice.kind == PageNotice::Kind::begin;
-          events_.heard(std::move(notice));
+          if (events_ != nullptr)
+              events_->heard(std::move(notice));
       }),
-      interceptor_(std::make_unique<RequestWatch>(events, [this] { return requests_; })),
+      interceptor_(std::make_unique<RequestWatch>([this] { return events_; }, [this] { return requests_; })),
       frame_key_(random_key()), top_key_(random_key()) {
     channel_.registerObject(script_name(), &bridge_);
     setWebChannel(&channel_, QWebEngineScript::ApplicationWorld);
@@ -115,7 +117,8 @@ EnginePage::EnginePage(QWebEngineProfile& profile, EnginePageEvents& events)
             [this](RenderProcessTerminationStatus status, int code) {
                 diagnostics::report("page process ended",
                                     std::to_string(status) + ", code " + std::to_string(code));
-                events_.process_ended();
+                if (events_ != nullptr)
+                    events_->process_ended();
             });
 }
 
@@ -143,11 +146,12 @@ void EnginePage::set_straggler_time(std::chrono::milliseconds time) {
 
 // Now and then the engine forgets the scripts of a page, mostly when a page of another site follows one that
 // was still loading on a busy machine; without this nothing of such a document would ever be heard. The empty
-// document that a new page starts with has none by rights.
+// document that a new page starts with has none by rights. An element of the page's can be found under the
+// script's name as well, but not as a property of the world itself.
 void EnginePage::make_up_for_a_missing_script() {
     if (begun_)
         return;
-    runJavaScript(QStringLiteral("typeof kestrune === 'undefined' && location.protocol !== 'about:'"),
+    runJavaScript(QStringLiteral("!Object.hasOwn(globalThis, 'kestrune') && location.protocol !== 'about:'"),
                   QWebEngineScript::ApplicationWorld,
                   [self = QPointer<EnginePage>(this)](const QVariant& missing) {
                       if (self && missing.toBool())
@@ -165,17 +169,21 @@ bool EnginePage::acceptNavigationRequest(const QUrl& url, NavigationType type, b
     }
     const bool by_hand =
         type == NavigationTypeTyped || type == NavigationTypeBackForward || type == NavigationTypeReload;
-    events_.navigation_asked({.url = url,
-                              .top_level = top_level,
-                              .redirect = type == NavigationTypeRedirect,
-                              .of_a_form = type == NavigationTypeFormSubmitted,
-                              .of_the_page = !by_hand});
+    if (events_ != nullptr) {
+        events_->navigation_asked({.url = url,
+                                   .top_level = top_level,
+                                   .redirect = type == NavigationTypeRedirect,
+                                   .of_a_form = type == NavigationTypeFormSubmitted,
+                                   .of_the_page = !by_hand});
+    }
     if (top_level)
         begun_ = false;
     return true;
 }
 
-QWebEnginePage* EnginePage::createWindow(WebWindowType) { return events_.window_wanted(); }
+QWebEnginePage* EnginePage::createWindow(WebWindowType) {
+    return events_ != nullptr ? events_->window_wanted() : nullptr;
+}
 
 QStringList EnginePage::chooseFiles(FileSelectionMode mode, const QStringList& /*former*/,
                                     const QStringList& types) {

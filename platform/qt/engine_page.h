@@ -54,9 +54,14 @@ public:
     EnginePage(EnginePage&&) = delete;
     EnginePage& operator=(EnginePage&&) = delete;
 
-    // What the page asks for goes to `requests`, which outlives the page or is taken away by null; without
-    // one it is refused.
+    // What the page asks for goes to `requests` until the page falls silent; without one it is refused.
     void serve(PageRequests* requests) { requests_ = requests; }
+    // Whoever owns the page ends before it does: from here on nobody hears of it, and what it asks for is
+    // refused.
+    void fall_silent() {
+        events_ = nullptr;
+        requests_ = nullptr;
+    }
 
     // Holds for documents that begin from now on.
     void set_straggler_time(std::chrono::milliseconds time);
@@ -78,7 +83,7 @@ private:
     // Starts the page script in the top document when the engine has not.
     void make_up_for_a_missing_script();
 
-    EnginePageEvents& events_;
+    EnginePageEvents* events_; // null once nobody hears
     PageRequests* requests_ = nullptr;
     EngineBridge bridge_;
     QWebChannel channel_;

@@ -25,8 +25,6 @@ bool same_form(const FormSubmission& a, const FormSubmission& b) {
     return a.submitted.id == b.submitted.id && a.form == b.form;
 }
 
-std::string text_of(const QJsonValue& value) { return value.toString().toStdString(); }
-
 } // namespace
 
 std::optional<FormSubmission> read_submission(const QJsonObject& report) {

@@ -12,6 +12,7 @@
 #include <QWebEngineScript>
 #include <QWebEngineView>
 
+#include <algorithm>
 #include <chrono>
 #include <utility>
 
@@ -20,6 +21,13 @@ namespace {
 
 // A page that does not answer within this time has the click or key after all.
 constexpr std::chrono::milliseconds page_time{1500};
+
+// A page can put its boxes anywhere, and farther away than a number of pixels can tell.
+QPoint within(QPointF place, const QWidget& view) {
+    const QPointF farthest(std::max(0, view.width() - 1), std::max(0, view.height() - 1));
+    return QPointF(std::clamp(place.x(), 0.0, farthest.x()), std::clamp(place.y(), 0.0, farthest.y()))
+        .toPoint();
+}
 
 bool asks_for_menu(const QKeyEvent& key) {
     return key.key() == Qt::Key_Menu || (key.key() == Qt::Key_F10 && key.modifiers() == Qt::ShiftModifier);
@@ -115,7 +123,7 @@ void MenuRequests::answered(const PageNotice& notice) {
         return;
     asked_ = false;
     if (open_->by_key)
-        open_->on_screen = view_.mapToGlobal((QPointF(notice.x, notice.y) * view_.zoomFactor()).toPoint());
+        open_->on_screen = view_.mapToGlobal(within(QPointF(notice.x, notice.y) * view_.zoomFactor(), view_));
     // The engine stands still in an event loop that it has called itself.
     QTimer::singleShot(0, this, [this, field = ElementRef{notice.id, notice.element}] { show_menu(field); });
 }

@@ -16,7 +16,6 @@
 #include "platform/qt/qt_text.h"
 
 #include <QAction>
-#include <QEventLoop>
 #include <QPointer>
 #include <QTimer>
 #include <QVBoxLayout>
@@ -59,7 +58,6 @@ public:
     void go_to(const QUrl& url);
     void go_back();
     void reload();
-    std::optional<PageDocument> take_image(const DocumentId& document, PageParts parts);
 
     void navigation_asked(const AskedNavigation& asked) override;
     void navigation_requested(const QUrl& url, bool redirect, bool top_level) override;
@@ -69,6 +67,8 @@ public:
 
     EnginePage& page() { return *page_; }
     PageCalls& calls() { return *calls_; }
+    // The profile stays with it.
+    std::shared_ptr<EngineWaits> waits() { return {profile_, &profile_->waits()}; }
     PageComforts& comforts() { return *comforts_; }
     QWebEngineView& view() { return *view_; }
 
@@ -133,7 +133,7 @@ QtBrowser::Engine::Engine(QWidget& place, BrowserEvents& events, std::shared_ptr
 QtBrowser::Engine::~Engine() {
     calls_->abandon();
     delete menus_.data();
-    page_->serve(nullptr);
+    page_->fall_silent();
     const bool inside_engine = asking_ > 0 || comforts_->inside_engine();
     comforts_.reset();
     delete view_.data();
@@ -190,31 +190,6 @@ void QtBrowser::Engine::reload() {
 void QtBrowser::Engine::start_reload() {
     navigations_.expect();
     page_->triggerAction(QWebEnginePage::Reload);
-}
-
-std::optional<PageDocument> QtBrowser::Engine::take_image(const DocumentId& document, PageParts parts) {
-    struct Result {
-        std::optional<PageDocument> image;
-        bool done = false;
-    };
-    // The browser can end while it waits; what the answer writes to must not.
-    const auto result = std::make_shared<Result>();
-    QEventLoop loop;
-    const QPointer<QEventLoop> waiting(&loop);
-    calls_->fetch_image(document, parts, [result, waiting](PageCalls::Answer answer) {
-        result->image = std::move(answer.image);
-        result->done = true;
-        if (waiting)
-            waiting->quit();
-    });
-    // What the user does meanwhile waits: its handler would run inside the one that asks.
-    // Asked for from inside a posted event, the loop would sleep on the engine's own events posted behind it.
-    loop.wakeUp();
-    const std::shared_ptr<EngineProfile> kept = profile_;
-    const EngineWaits::ForPage waiting_for_page(kept->waits());
-    if (!result->done)
-        loop.exec(QEventLoop::ExcludeUserInputEvents);
-    return std::move(result->image);
 }
 
 void QtBrowser::Engine::navigation_asked(const AskedNavigation& asked) {
@@ -376,7 +351,7 @@ std::string QtBrowser::LocationURL() const {
 }
 
 std::optional<PageDocument> QtBrowser::take_image(const DocumentId& document, PageParts parts) {
-    return engine_->take_image(document, parts);
+    return wait_for_image(engine_->calls(), document, parts, engine_->waits());
 }
 
 void QtBrowser::apply(const std::vector<PageEdit>& edits) {

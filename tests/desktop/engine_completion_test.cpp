@@ -40,6 +40,19 @@ TEST_F(EngineCompletion, a_document_that_the_engine_gave_no_script_completes_all
     EXPECT_EQ(probe_.count("complete " + server_.url("/two")), 1);
 }
 
+TEST_F(EngineCompletion, a_document_without_script_that_calls_its_elements_as_the_script_completes_too) {
+    const std::string frame = server_.url("/two", "127.0.0.2");
+    for (const std::string& element :
+         {std::string("<p id=kestrune>"), std::string("<form id=kestrune><input name=document></form>"),
+          "<iframe name=kestrune src='" + frame + "'></iframe>"}) {
+        browser_ = std::make_unique<QtBrowser>(place_, probe_, profile_);
+        browser_->view().page()->scripts().clear();
+        server_.page("/named", "<a href=/x>named</a>" + element);
+        EXPECT_THAT(link_texts(open(server_.url("/named"))), ElementsAre("named")) << element;
+        probe_.forget();
+    }
+}
+
 TEST_F(EngineCompletion, a_document_without_script_whose_picture_never_comes_completes_all_the_same) {
     browser_->set_straggler_time(std::chrono::milliseconds(200));
     browser_->view().page()->scripts().clear();

@@ -1,5 +1,10 @@
 #include "tests/desktop/engine_fixture.h"
 
+#include <QFile>
+#include <QWebEnginePage>
+#include <QWebEngineView>
+
+#include <optional>
 #include <string>
 
 namespace kestrune {
@@ -262,6 +267,37 @@ TEST_F(EngineLabels, of_fields_with_one_id_each_gets_the_label_before_it) {
                                         "for=x>E-mail</label><input id=x name=b></form>");
     EXPECT_EQ(label_of(page, "a"), (Seen{"Name", "label"}));
     EXPECT_EQ(label_of(page, "b"), (Seen{"E-mail", "label"}));
+}
+
+// Counted where the labels compare places, with stand-ins for the document.
+TEST_F(EngineLabels, labels_of_many_fields_with_one_id_find_theirs_without_looking_at_all) {
+    open_page("");
+    QFile file(":/kestrune/page/labels.js");
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    const QString code = "const Labels = " + QString::fromUtf8(file.readAll()) + R"(({
+            native: {
+                localName: (mark) => mark.name, attribute: () => 'id', rootNode: () => 0, control: () => null,
+            },
+            limits: {},
+        });
+        let looks = 0;
+        const marks = [];
+        for (let i = 0; i < 1000; ++i)
+            marks.push({ name: 'label' }, { name: 'input' });
+        marks.push({ name: 'label' });
+        const entries = () => marks.map((mark, place) => [{ valueOf: () => (++looks, place) }, mark]);
+        const found = new Labels({ entries }).labels;
+        const right = marks.every((mark, place) => mark.name === 'label' ||
+            found.get(mark)[0] === marks[place - 1] && found.get(mark).length === (place < 1999 ? 1 : 2));
+        (right ? '' : 'wrong ') + looks)";
+    std::optional<QString> said;
+    browser_->view().page()->runJavaScript("{" + code + "}",
+                                           [&said](const QVariant& answer) { said = answer.toString(); });
+    ASSERT_TRUE(wait_until([&said] { return said.has_value(); }));
+    bool number = false;
+    const int looks = said->toInt(&number);
+    EXPECT_TRUE(number) << said->toStdString();
+    EXPECT_LT(looks, 1001 * 2 * 11); // places compared two by two, at most eleven times for a thousand fields
 }
 
 TEST_F(EngineLabels, a_check_box_has_the_labels_that_name_it_and_no_text_before_it) {

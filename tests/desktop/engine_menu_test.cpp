@@ -182,6 +182,24 @@ TEST_F(EngineMenu, the_menu_key_and_shift_f10_ask_for_the_menu_at_the_focused_fi
     EXPECT_EQ(log_of(page), "keydown Shift;") << "the page hears of no key that led to a choice";
 }
 
+TEST_F(EngineMenu, a_field_that_the_page_has_put_out_of_sight_has_its_menu_on_the_page) {
+    for (const char* moved : {"translate(90000px,90000px)", "translate(-90000px,-90000px)", "scale(1e30)"}) {
+        const PageDocument page =
+            open_page(at(0, 0, "<input name=a style='position:fixed;transform:" + std::string(moved) + "'>"));
+        browser_->apply({{PageEdit::Kind::focus, page.inputs.at(0).ref}});
+        std::optional<QPoint> place;
+        probe_.on_menu = [&](const auto&) {
+            place = place_.findChild<MenuRequests*>()->menu_place();
+            return true;
+        };
+        press_key(Qt::Key_Menu);
+        EXPECT_EQ(asked(), page.id);
+        ASSERT_TRUE(place.has_value());
+        EXPECT_TRUE(browser_->view().rect().contains(browser_->view().mapFromGlobal(*place)))
+            << moved << ": " << place->x() << ',' << place->y();
+    }
+}
+
 TEST_F(EngineMenu, a_key_whose_menu_was_dismissed_brings_the_browsers_own_menu) {
     choose_ = false;
     const PageDocument page = open_page(box(0, 0, "name=a") + listening());

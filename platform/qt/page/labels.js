@@ -295,8 +295,15 @@
 
         // Ids are meant to be unique; where they are not, a label belongs to the field that follows it.
         nearest(named, place) {
-            const one = named.find((candidate) => candidate.place > place) || named[named.length - 1];
-            return one ? one.field : null;
+            let [from, to] = [0, named.length - 1]; // the last one, where none follows
+            while (from < to) {
+                const middle = (from + to) >> 1;
+                if (named[middle].place > place)
+                    to = middle;
+                else
+                    from = middle + 1;
+            }
+            return named.length > 0 ? named[from].field : null;
         }
 
         text(element) {

@@ -27,7 +27,6 @@
         innerHTML: getter(Element, 'innerHTML'),
         queryAll: method(Element, 'querySelectorAll'),
         queryAllInShadow: method(DocumentFragment, 'querySelectorAll'),
-        innerHTMLInShadow: getter(ShadowRoot, 'innerHTML'),
         connected: getter(Node, 'isConnected'),
         owner: getter(Node, 'ownerDocument'),
         dispatch: method(EventTarget, 'dispatchEvent'),

@@ -6,7 +6,8 @@
 //   answer     ms that a frame has for an answer
 //
 // Program to top frame: calls of the object that the isolated world's global holds under `kestrune`
-//   image(id, parts, request)  image of a document as JSON; "" when it comes later by an event; "null" when gone
+//   image(id, parts, request)  image of a document as JSON; "" when it comes later by an event; "null" when gone,
+//                              "unreadable" when it is there and has no image
 //   take(request)              the text that a "ready" event announced
 //   apply(edits)               [{kind, document, element, text}, ...]
 //   menu(point, request)       which document and field a menu asked for at this point of the window is meant for (null:
@@ -32,7 +33,7 @@
 (function (files, config) {
     const key = 'kestrune';
     // The engine runs scripts again in some documents.
-    const before = globalThis[key];
+    const before = Object.hasOwn(globalThis, key) ? globalThis[key] : null;
     if (before && before.document === document && !before.adopted)
         return;
 

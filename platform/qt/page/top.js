@@ -163,8 +163,9 @@
                 return 'null';
             if (!(one instanceof Remote) && one.view.length === 0)
                 return JSON.stringify(one.image(parts));
-            gather(one, parts).then((image) => deliver(request, JSON.stringify(image)),
-                () => deliver(request, 'null'));
+            const unread = () => deliver(request, 'unreadable');
+            gather(one, parts).then((image) =>
+                image || agentOf(one.view) !== one ? deliver(request, JSON.stringify(image)) : unread()).catch(unread);
             return '';
         };
         ours.take = (request) => {
