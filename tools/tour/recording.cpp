@@ -4,9 +4,9 @@
 #include "platform/sqlite/site_schema.h"
 #include "shell/browser_window.h"
 #include "tools/tour/hand.h"
+#include "tools/tour/painted.h"
 
 #include <QWebEnginePage>
-#include <QWebEngineScript>
 #include <QWebEngineView>
 
 #include <algorithm>
@@ -178,31 +178,11 @@ std::vector<Request> RecordingTour::submissions() const {
     return found;
 }
 
-// Before a page has been painted the engine drops what the mouse does.
+// A page of frames has nothing to be read itself.
 void RecordingTour::wait_until_painted() {
-    constexpr auto painted_frames = R"((() => {
-        if (self.kestruneTourFrames === undefined) {
-            self.kestruneTourFrames = 0;
-            const count = () => { if (++self.kestruneTourFrames < 100) requestAnimationFrame(count); };
-            requestAnimationFrame(count);
-        }
-        return self.kestruneTourFrames;
-    })())";
-    // A page of frames has nothing to be read itself and takes half a second.
-    constexpr int enough_frames = 40;
-    const auto frames = std::make_shared<int>(0);
-    const auto under_way = std::make_shared<bool>(false);
-    driver_.wait("the page to be painted", [&] {
-        if (!std::exchange(*under_way, true)) {
-            browser_->view().page()->runJavaScript(QString::fromLatin1(painted_frames),
-                                                   QWebEngineScript::UserWorld,
-                                                   [frames, under_way](const QVariant& value) {
-                                                       *frames = value.toInt();
-                                                       *under_way = false;
-                                                   });
-        }
-        return *frames >= enough_frames;
-    });
+    drive::Painting painting(*browser_->view().page());
+    driver_.wait("the page to be painted",
+                 [&] { return painting.frames() >= drive::Painting::without_words; });
 }
 
 std::string fidelity_table(const std::vector<Replayed>& visits) {

@@ -3,11 +3,11 @@
 #include "library/site_library.h"
 #include "platform/qt/qt_browser.h"
 #include "shell/browser_window.h"
+#include "tools/tour/painted.h"
 
 #include <QAbstractItemModel>
 #include <QTreeView>
 #include <QWebEnginePage>
-#include <QWebEngineScript>
 #include <QWebEngineView>
 
 #include <algorithm>
@@ -17,23 +17,6 @@ namespace {
 
 using practice::Request;
 using practice::Site;
-
-// A page that never paints (it has gone, or its process has) is not waited for longer than this many answers.
-constexpr int most_questions_about_painting = 400;
-
-// A frame goes through a short pipeline before it is on the widget; when this many have begun, the first is
-// there.
-constexpr int enough_frames = 8;
-
-// Counts the frames that the page has begun since it was first asked; in a world the page cannot see.
-constexpr auto painted_frames = R"((() => {
-    if (self.kestruneTourFrames === undefined) {
-        self.kestruneTourFrames = 0;
-        const count = () => { if (++self.kestruneTourFrames < 100) requestAnimationFrame(count); };
-        requestAnimationFrame(count);
-    }
-    return self.kestruneTourFrames;
-})())";
 
 std::string with_leading_zero(std::size_t number) {
     return (number < 10 ? "0" : "") + std::to_string(number);
@@ -171,27 +154,9 @@ void Tour::take_picture(Visit& visit, std::string_view what, const std::string& 
 }
 
 void Tour::wait_until_painted() {
-    int frames = -1;
-    for (int i = 0; i < most_questions_about_painting && frames < enough_frames; ++i) {
-        bool answered = false;
-        const auto answer =
-            std::make_shared<std::function<void(const QVariant&)>>([&](const QVariant& value) {
-                answered = true;
-                frames = value.toInt();
-            });
-        browser_->view().page()->runJavaScript(QString::fromLatin1(painted_frames),
-                                               QWebEngineScript::UserWorld,
-                                               [kept = std::weak_ptr(answer)](const QVariant& value) {
-                                                   if (const auto call = kept.lock())
-                                                       (*call)(value);
-                                               });
-        try {
-            drive::wait_for(
-                "the page to answer", [&] { return answered; }, std::chrono::seconds(2));
-        } catch (const drive::DriveError&) {
-            return;
-        }
-    }
+    drive::Painting painting(*browser_->view().page());
+    driver_.wait("the page to be painted",
+                 [&] { return painting.frames() >= drive::Painting::with_words || painting.silent(); });
 }
 
 } // namespace kestrune::tour
