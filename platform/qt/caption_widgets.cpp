@@ -119,7 +119,8 @@ QString FittedLabel::line() const {
     QString line = caption_.size() <= longest_line
                        ? caption_
                        : caption_.left(longest_line / 2) + QChar(0x2026) + caption_.right(longest_line / 2);
-    return line.replace(u'\r', u' ').replace(u'\n', u' ');
+    std::replace_if(line.begin(), line.end(), is_no_letter, QChar(u' '));
+    return line;
 }
 
 QString FittedLabel::shown(int width) const {

@@ -21,9 +21,10 @@ private:
     QString caption_;
 };
 
-// One line of plain text in whatever width there is. Too long a text is first squeezed down to `squeeze` of
-// its natural width (1: not at all), then shortened in its middle, where an address can best spare it; the
-// whole text is its tool tip then. Where it names a field, the field is made its buddy first.
+// One line of plain text, with blanks for what is no letter, in whatever width there is. Too long a text is
+// first squeezed down to `squeeze` of its natural width (1: not at all), then shortened in its middle, where
+// an address can best spare it; the whole text is its tool tip then. Where it names a field, the field is
+// made its buddy first.
 class FittedLabel : public QLabel {
 public:
     FittedLabel(double squeeze, QWidget* parent);

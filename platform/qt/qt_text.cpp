@@ -10,11 +10,6 @@ bool ends_line(QChar letter) {
     return letter == u'\n' || letter == QChar::LineSeparator || letter == QChar::ParagraphSeparator;
 }
 
-bool turns_direction(QChar letter) {
-    const char16_t code = letter.unicode();
-    return (code >= 0x202A && code <= 0x202E) || (code >= 0x2066 && code <= 0x2069);
-}
-
 QString plain(std::string_view text, qsizetype most, bool in_lines) {
     // No more of it than can be shown, and one to tell that there is more.
     QString shown = to_qt(text.substr(0, (static_cast<std::size_t>(most) + 1) * longest_letter));
@@ -27,7 +22,7 @@ QString plain(std::string_view text, qsizetype most, bool in_lines) {
     for (QChar& letter : shown) {
         if (ends_line(letter))
             letter = in_lines ? u'\n' : u' ';
-        else if (letter.category() == QChar::Other_Control || turns_direction(letter))
+        else if (is_no_letter(letter))
             letter = u' ';
     }
     return shown;
@@ -42,6 +37,12 @@ QString to_qt(std::string_view text) {
 std::string from_qt(const QString& text) { return text.toStdString(); }
 
 QString literal(std::string_view text) { return to_qt(text).replace(u'&', QStringLiteral("&&")); }
+
+bool is_no_letter(QChar letter) {
+    const char16_t code = letter.unicode();
+    const bool turns_direction = (code >= 0x202A && code <= 0x202E) || (code >= 0x2066 && code <= 0x2069);
+    return turns_direction || letter.category() == QChar::Other_Control;
+}
 
 QString plain_line(std::string_view text, qsizetype most) { return plain(text, most, false); }
 

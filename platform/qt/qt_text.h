@@ -14,9 +14,13 @@ std::string from_qt(const QString& text);
 // Spelled so that widgets which read "&" as the mark of a shortcut letter show it as a character.
 QString literal(std::string_view text);
 
+// What a page may write and nobody should be shown: control characters, line ends among them, and the marks
+// that turn the direction of writing round.
+bool is_no_letter(QChar letter);
+
 // Words that may come from a page, fit to stand among the program's own: at most `most` characters, with
-// blanks in place of control characters and of the marks that turn the direction of writing round.
-// `plain_line` is one line, whatever it holds; `plain_text` keeps its line ends.
+// blanks for what is no letter. `plain_line` is one line, whatever it holds; `plain_text` keeps its line
+// ends.
 QString plain_line(std::string_view text, qsizetype most);
 QString plain_text(std::string_view text, qsizetype most);
 
