@@ -1,9 +1,9 @@
 #include "platform/qt/downloads.h"
 
 #include "platform/diagnostics.h"
-#include "platform/qt/file_chooser.h"
 #include "platform/qt/file_name.h"
-#include "platform/qt/page_dialogs.h"
+#include "platform/qt/shown_words.h"
+#include "platform/qt/stand_above.h"
 
 #include <QDir>
 #include <QFileDialog>

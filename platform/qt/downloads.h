@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/qt/page_bar.h"
+#include "platform/qt/page_bars.h"
 
 #include <QObject>
 #include <QPointer>

@@ -1,8 +1,9 @@
 #include "platform/qt/file_chooser.h"
 
+#include "platform/qt/stand_above.h"
+
 #include <QFileDialog>
 #include <QMimeDatabase>
-#include <QWindow>
 
 #include <algorithm>
 
@@ -32,11 +33,6 @@ QStringList filters_for(const QStringList& types) {
 }
 
 } // namespace
-
-void stand_above(QDialog& dialog, const QWidget& widget) {
-    dialog.winId();
-    dialog.windowHandle()->setTransientParent(widget.window()->windowHandle());
-}
 
 QStringList choose_files(QWidget& above, QWebEnginePage::FileSelectionMode mode, const QStringList& types) {
     QFileDialog dialog;

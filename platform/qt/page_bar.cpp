@@ -2,6 +2,7 @@
 
 #include "platform/qt/caption_widgets.h"
 #include "platform/qt/child_of.h"
+#include "platform/qt/shown_words.h"
 
 #include <QCheckBox>
 #include <QFormLayout>
@@ -10,44 +11,66 @@
 #include <QLineEdit>
 #include <QProgressBar>
 #include <QPushButton>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <QVBoxLayout>
-#include <QWebEngineView>
 
+#include <algorithm>
+#include <memory>
 #include <utility>
 
 namespace kestrune {
 namespace {
 
 constexpr int widest_text = 900; // pixels
-constexpr int most_lines = 12;
 constexpr int longest_text = 1500;
 
-bool turns_direction(QChar letter) {
-    const char16_t code = letter.unicode();
-    return (code >= 0x202A && code <= 0x202E) || (code >= 0x2066 && code <= 0x2069);
+// As high as its text, and scrolled where there is less room.
+class TextArea final : public QScrollArea {
+public:
+    TextArea(WrappedLabel& text, QWidget* parent) : QScrollArea(parent), text_(text) {
+        setFrameShape(QFrame::NoFrame);
+        setFocusPolicy(Qt::NoFocus);
+        setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+        setWidgetResizable(true);
+        auto holder = std::make_unique<QWidget>(); // a label forgets that its height hangs on its width
+        auto& column = child_of<QVBoxLayout>(*holder);
+        column.setContentsMargins(0, 0, 0, 0);
+        column.addWidget(&text);
+        setWidget(holder.release());
+        widget()->setAutoFillBackground(false);
+        viewport()->setAutoFillBackground(false);
+        // As high as the width there is makes it, not as the width that looks best would.
+        QSizePolicy policy(QSizePolicy::Expanding, QSizePolicy::Preferred);
+        policy.setHeightForWidth(true);
+        text.setSizePolicy(policy);
+        setSizePolicy(policy);
+    }
+
+    [[nodiscard]] bool hasHeightForWidth() const override { return true; }
+    [[nodiscard]] int heightForWidth(int width) const override { return text_.heightForWidth(width); }
+    [[nodiscard]] QSize sizeHint() const override { return text_.sizeHint(); }
+    [[nodiscard]] QSize minimumSizeHint() const override { return text_.minimumSizeHint(); }
+
+private:
+    WrappedLabel& text_;
+};
+
+bool presses(const QEvent& event) {
+    if (event.type() == QEvent::MouseButtonPress || event.type() == QEvent::MouseButtonDblClick)
+        return true;
+    if (event.type() != QEvent::KeyPress)
+        return false;
+    const int key = static_cast<const QKeyEvent&>(event).key();
+    return key == Qt::Key_Space || key == Qt::Key_Select || key == Qt::Key_Return || key == Qt::Key_Enter;
 }
 
 } // namespace
 
-QString shown_words(const QString& words, int most) {
-    QString shown = words.left(most);
-    shown.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
-    for (QChar& letter : shown) {
-        if ((letter.category() == QChar::Other_Control && letter != u'\n') || turns_direction(letter))
-            letter = u' ';
-    }
-    qsizetype end = -1;
-    for (int lines = 0; lines < most_lines && (end = shown.indexOf(u'\n', end + 1)) >= 0;)
-        ++lines;
-    const bool cut = words.size() > most || end >= 0;
-    if (end >= 0)
-        shown.truncate(end);
-    return cut ? shown + QChar(0x2026) : shown;
-}
-
 PageBar::PageBar(const QString& name, QWidget* parent)
-    : QFrame(parent), heading_(&child_of<WrappedLabel>(*this)), text_(&child_of<WrappedLabel>(*this)),
-      rows_(&child_of<QVBoxLayout>(*this)), button_row_(&child_of<QWidget>(*this)) {
+    : QFrame(parent), heading_(&child_of<WrappedLabel>(*this)), text_area_(nullptr),
+      text_(&child_of<WrappedLabel>(*this)), rows_(&child_of<QVBoxLayout>(*this)),
+      button_row_(&child_of<QWidget>(*this)) {
     setObjectName(name);
     setFrameShape(QFrame::StyledPanel);
     setAutoFillBackground(true);
@@ -63,13 +86,17 @@ PageBar::PageBar(const QString& name, QWidget* parent)
     for (WrappedLabel* label : {heading_, text_}) {
         label->setForegroundRole(QPalette::ToolTipText);
         label->set_preferred_width(widest_text);
-        label->hide();
-        rows_->addWidget(label);
+    }
+    text_area_ = &child_of<TextArea>(*this, *text_);
+    for (QWidget* part : {static_cast<QWidget*>(heading_), static_cast<QWidget*>(text_area_)}) {
+        part->hide();
+        rows_->addWidget(part);
     }
     auto& row = child_of<QHBoxLayout>(*button_row_);
     row.setContentsMargins(0, 0, 0, 0);
     row.addStretch(1);
     rows_->addWidget(button_row_);
+    button_row_->installEventFilter(this);
 }
 
 void PageBar::set_heading(const QString& heading) {
@@ -80,8 +107,8 @@ void PageBar::set_heading(const QString& heading) {
 
 void PageBar::set_text(const QString& text) {
     text_->setText(shown_words(text, longest_text));
-    text_->setVisible(!text.isEmpty());
-    text_->updateGeometry();
+    text_area_->setVisible(!text.isEmpty());
+    text_area_->updateGeometry();
     setAccessibleDescription(text_->text());
 }
 
@@ -101,6 +128,7 @@ QLineEdit& PageBar::add_field(const QString& label, const QString& name) {
     rows_->insertLayout(rows_->indexOf(button_row_), line.release());
     field.show(); // the bar is seen already
     fields_.push_back(&field);
+    put_in_order(field);
     return field;
 }
 
@@ -110,6 +138,8 @@ QCheckBox& PageBar::add_check(const QString& caption, const QString& name) {
     box.setObjectName(name);
     rows_->insertWidget(rows_->indexOf(button_row_), &box);
     box.show();
+    box.installEventFilter(this);
+    put_in_order(box);
     return box;
 }
 
@@ -129,13 +159,30 @@ QPushButton& PageBar::add_button(const QString& caption, std::function<void()> p
     button.setAutoDefault(false);
     button_row_->layout()->addWidget(&button);
     // A copy: the bar, and with it this connection, may go while the call runs.
-    connect(&button, &QPushButton::clicked, this, [call = std::move(pressed)] {
+    connect(&button, &QPushButton::clicked, this, [this, call = std::move(pressed)] {
+        if (!takes_presses())
+            return;
         const auto kept = call;
         kept();
     });
     button.show();
+    button.installEventFilter(this);
     buttons_.push_back(&button);
+    put_in_order(button);
     return button;
+}
+
+QPushButton& PageBar::add_answer(const QString& caption, std::function<void()> then) {
+    return add_button(caption, [this, then = std::move(then)] {
+        take_away();
+        if (then)
+            then();
+    });
+}
+
+void PageBar::put_in_order(QWidget& part) {
+    setTabOrder(&last_in_tab_order(), &part);
+    last_in_order_ = &part;
 }
 
 void PageBar::take_focus() {
@@ -145,7 +192,35 @@ void PageBar::take_focus() {
         buttons_.front()->setFocus();
 }
 
+void PageBar::take_away() {
+    // Left to itself the focus goes on as by the Tab key, to wherever that leads.
+    if (give_keys_back_ && isAncestorOf(window()->focusWidget()))
+        give_keys_back_();
+    hide();
+    deleteLater();
+}
+
+bool PageBar::takes_presses() const { return clock_() - moved_ >= settling_time; }
+
+int PageBar::least_height(int width) const {
+    const int whole = rows_->totalHeightForWidth(width);
+    if (text_area_->isHidden())
+        return whole;
+    const QMargins around = rows_->contentsMargins();
+    const int text = text_->heightForWidth(width - around.left() - around.right() - 2 * frameWidth());
+    return whole - std::max(0, text - 2 * text_->fontMetrics().lineSpacing());
+}
+
+bool PageBar::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::Move)
+        moved();
+    // A button must not even look pressed.
+    return (presses(*event) && !takes_presses()) || QFrame::eventFilter(watched, event);
+}
+
 bool PageBar::event(QEvent* event) {
+    if (event->type() == QEvent::Move || event->type() == QEvent::Show)
+        moved();
     // In a bar Esc is the bar's own: the window has that key for stopping a load.
     if (event->type() == QEvent::ShortcutOverride && !buttons_.empty() &&
         static_cast<QKeyEvent*>(event)->key() == Qt::Key_Escape) {
@@ -156,44 +231,31 @@ bool PageBar::event(QEvent* event) {
 }
 
 void PageBar::keyPressEvent(QKeyEvent* event) {
-    if (buttons_.empty()) {
+    // A key that is held down was pressed for something else.
+    if (buttons_.empty() || event->isAutoRepeat()) {
         QFrame::keyPressEvent(event);
         return;
     }
-    if (event->key() == Qt::Key_Escape) {
+    QScrollBar& scroll = *text_area_->verticalScrollBar();
+    switch (event->key()) {
+    case Qt::Key_Escape:
         buttons_.back()->click();
-    } else if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
+        break;
+    case Qt::Key_Return:
+    case Qt::Key_Enter: {
         auto* const focused = qobject_cast<QPushButton*>(focusWidget());
         (focused != nullptr && isAncestorOf(focused) ? focused : buttons_.front())->click();
-    } else {
+        break;
+    }
+    case Qt::Key_PageDown:
+        scroll.triggerAction(QAbstractSlider::SliderPageStepAdd);
+        break;
+    case Qt::Key_PageUp:
+        scroll.triggerAction(QAbstractSlider::SliderPageStepSub);
+        break;
+    default:
         QFrame::keyPressEvent(event);
     }
-}
-
-PageBars::PageBars(QWidget* parent) : QWidget(parent) {
-    setObjectName(QStringLiteral("PageBars"));
-    auto& column = child_of<QVBoxLayout>(*this);
-    column.setContentsMargins(0, 0, 0, 0);
-    column.setSpacing(0);
-}
-
-PageBar& PageBars::add(const QString& name) {
-    auto& bar = child_of<PageBar>(*this, name);
-    layout()->addWidget(&bar);
-    bar.show();
-    return bar;
-}
-
-void PageBars::remove(const QPointer<PageBar>& bar) {
-    if (!bar)
-        return;
-    // Left to itself the focus goes on as by the Tab key, to wherever that leads.
-    if (bar->isAncestorOf(bar->window()->focusWidget())) {
-        if (auto* const view = bar->parentWidget()->parentWidget()->findChild<QWebEngineView*>())
-            view->setFocus();
-    }
-    bar->hide();
-    bar->deleteLater();
 }
 
 } // namespace kestrune

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/qt/clock.h"
+
 #include <QFrame>
 #include <QPointer>
 #include <QString>
@@ -11,6 +13,7 @@ class QCheckBox;
 class QLineEdit;
 class QProgressBar;
 class QPushButton;
+class QScrollArea;
 class QVBoxLayout;
 
 namespace kestrune {
@@ -22,6 +25,10 @@ class WrappedLabel;
 // plain, whoever wrote them.
 class PageBar final : public QFrame {
 public:
+    // A page chooses when a bar comes, and can lure a double click or a run of typing to where its button
+    // will stand. So for as long as it takes a user to see what stands there now, its buttons take no press.
+    static constexpr std::chrono::milliseconds settling_time{500};
+
     // `name` is the object name.
     PageBar(const QString& name, QWidget* parent);
 
@@ -34,35 +41,47 @@ public:
     QProgressBar& add_progress();
     // The caption is its object name. The first one takes Enter, the last one Esc.
     QPushButton& add_button(const QString& caption, std::function<void()> pressed);
+    // A button that takes the bar away before it calls.
+    QPushButton& add_answer(const QString& caption, std::function<void()> then = {});
 
     // Puts the keyboard into the first field, or on the first button.
     void take_focus();
+    void take_away();
+
+    // False while the bar has just been shown or moved: presses by mouse, key or program do nothing then.
+    [[nodiscard]] bool takes_presses() const;
+    void moved() { moved_ = clock_(); }
+    void set_clock(Clock clock) { clock_ = std::move(clock); }
+
+    // Called when the bar goes while it has the keyboard.
+    void set_give_keys_back(std::function<void()> give) { give_keys_back_ = std::move(give); }
+
+    // In pixels, with all but two lines of the text to be scrolled to.
+    [[nodiscard]] int least_height(int width) const;
+    // The keyboard walks through the bar right after this widget, or the one it has put last itself.
+    void follow_in_tab_order(QWidget& before) { last_in_order_ = &before; }
+    [[nodiscard]] QWidget& last_in_tab_order() { return last_in_order_ ? *last_in_order_ : *this; }
+
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
 protected:
     bool event(QEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
 
 private:
+    void put_in_order(QWidget& part);
+
     WrappedLabel* heading_; // this and the following are descendants
+    QScrollArea* text_area_;
     WrappedLabel* text_;
     QVBoxLayout* rows_;
     QWidget* button_row_;
     std::vector<QLineEdit*> fields_;
     std::vector<QPushButton*> buttons_;
+    QPointer<QWidget> last_in_order_;
+    std::function<void()> give_keys_back_;
+    Clock clock_ = std::chrono::steady_clock::now;
+    std::chrono::steady_clock::time_point moved_ = clock_();
 };
-
-// The bars of one page, the oldest on top. Takes no room while there is none.
-class PageBars final : public QWidget {
-public:
-    explicit PageBars(QWidget* parent);
-
-    PageBar& add(const QString& name);
-    // Takes the bar away; nothing happens when it is gone already.
-    static void remove(const QPointer<PageBar>& bar);
-};
-
-// Words of a page, fit to be shown: without control characters and marks that turn the direction of writing
-// round, cut after `most` characters.
-QString shown_words(const QString& words, int most);
 
 } // namespace kestrune

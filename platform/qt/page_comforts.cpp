@@ -7,11 +7,12 @@
 #include "platform/qt/engine_waits.h"
 #include "platform/qt/file_chooser.h"
 #include "platform/qt/outside_links.h"
-#include "platform/qt/page_bar.h"
+#include "platform/qt/page_bars.h"
 #include "platform/qt/page_deadline.h"
 #include "platform/qt/page_dialogs.h"
 #include "platform/qt/page_health.h"
 #include "platform/qt/page_tools.h"
+#include "platform/qt/shown_words.h"
 
 #include <QAction>
 #include <QAuthenticator>
@@ -37,8 +38,9 @@ QString leave_question() {
 // What the page does within this time of a click or a key is the user's doing. In milliseconds.
 constexpr qint64 time_of_an_act = 2000;
 
-PageBars& add_bars(QWidget& place) {
+PageBars& add_bars(QWidget& place, QWidget& view) {
     auto& bars = child_of<PageBars>(place);
+    QWidget::setTabOrder(view.previousInFocusChain(), &bars);
     if (auto* const column = qobject_cast<QBoxLayout*>(place.layout()))
         column->insertWidget(0, &bars);
     return bars;
@@ -49,7 +51,11 @@ PageBars& add_bars(QWidget& place) {
 struct PageComforts::Parts {
     Parts(PageComforts& owner, QWidget& place, QWebEngineView& view, EngineWaits& waits,
           const PageActions& actions)
-        : bars(add_bars(place)), dialogs(bars, place, waits, [this] { health.make_way(); }), outside(bars),
+        : bars(add_bars(place, view)),
+          dialogs(bars, place, waits,
+                  {[page = view.page()] { return page->url(); }, [&owner] { return owner.asked_for_; },
+                   [this] { health.make_way(); }}),
+          outside(bars),
           deadline([&owner] { owner.deadline_passed(); }, [page = view.page()] { return page->isLoading(); }),
           health(*view.page(), bars, place, waits,
                  [&actions](bool by_user) { (by_user ? actions.reload : actions.repeat)(); }),
@@ -129,22 +135,15 @@ void PageComforts::reload_wanted(std::function<void()> reload) {
     bar.set_heading(QStringLiteral("Send the form again?"));
     bar.set_text(
         QStringLiteral("This page came of a form that was sent. Loading it again sends the form once more."));
-    const auto take_away = [shown = QPointer<PageBar>(&bar)] { PageBars::remove(shown); };
-    bar.add_button(QStringLiteral("Send again"), [take_away, reload = std::move(reload)] {
-        take_away();
-        reload();
-    });
-    bar.add_button(QStringLiteral("Cancel"), take_away);
+    bar.add_answer(QStringLiteral("Send again"), std::move(reload));
+    bar.add_answer(QStringLiteral("Cancel"));
+    parts_->bars.reveal(bar);
     bar.take_focus();
 }
 
 void PageComforts::tell(const QString& heading, const QString& text) {
-    if (!parts_)
-        return;
-    PageBar& bar = parts_->bars.add(QStringLiteral("Notice"));
-    bar.set_heading(heading);
-    bar.set_text(text);
-    bar.add_button(QStringLiteral("OK"), [shown = QPointer<PageBar>(&bar)] { PageBars::remove(shown); });
+    if (parts_)
+        parts_->bars.tell(QStringLiteral("Notice"), heading, text);
 }
 
 void PageComforts::show_menu(QPoint place) {
@@ -208,14 +207,9 @@ void PageComforts::deadline_passed() {
     bar.set_text(hangs    ? QStringLiteral("A script of it did not end. The page was stopped.")
                  : began_ ? QStringLiteral("It was loading again and again, and was stopped.")
                           : QStringLiteral("The site did not answer in time."));
-    const auto take_away = [shown = QPointer<PageBar>(&bar)] { PageBars::remove(shown); };
-    if (!asked_by_post_) {
-        bar.add_button(QStringLiteral("Try again"), [this, take_away] {
-            take_away();
-            actions_.open(asked_for_);
-        });
-    }
-    bar.add_button(QStringLiteral("Close"), take_away);
+    if (!asked_by_post_)
+        bar.add_answer(QStringLiteral("Try again"), [this] { actions_.open(asked_for_); });
+    bar.add_answer(QStringLiteral("Close"));
 }
 
 bool PageComforts::eventFilter(QObject* watched, QEvent* event) {
@@ -323,11 +317,9 @@ void PageComforts::hear_certificates() {
         if (!parts_ || error.url().host() != asked_for_.host() || error.url().port() != asked_for_.port())
             return;
         PageBars::remove(parts_->certificate);
-        PageBar& bar = parts_->bars.add(QStringLiteral("CertificateError"));
-        parts_->certificate = &bar;
-        bar.set_heading(QStringLiteral("This page is not safe"));
-        bar.set_text(certificate_words(error.type(), shown_host(error.url()), error.description()));
-        bar.add_button(QStringLiteral("OK"), [shown = QPointer<PageBar>(&bar)] { PageBars::remove(shown); });
+        parts_->certificate =
+            &parts_->bars.tell(QStringLiteral("CertificateError"), QStringLiteral("This page is not safe"),
+                               certificate_words(error.type(), shown_host(error.url()), error.description()));
     });
 }
 

@@ -1,6 +1,7 @@
 #include "platform/qt/page_dialogs.h"
 
 #include "platform/qt/engine_waits.h"
+#include "platform/qt/shown_words.h"
 
 #include <QCheckBox>
 #include <QEvent>
@@ -18,6 +19,11 @@ constexpr int most_in_vain = 20;          // from a page that is being left
 
 QString says(const QUrl& origin) { return shown_host(origin) + QStringLiteral(" says:"); }
 
+bool same_address(const QUrl& one, const QUrl& other) {
+    const auto kept = QUrl::RemoveFragment | QUrl::RemoveUserInfo;
+    return one.adjusted(kept) == other.adjusted(kept);
+}
+
 } // namespace
 
 // Outlives the dialogs when they end while it is open.
@@ -26,15 +32,8 @@ struct PageDialogs::Question {
     bool yes = false;
 };
 
-QString shown_host(const QUrl& url) {
-    const QString host = url.host(QUrl::FullyEncoded);
-    if (host.isEmpty())
-        return QStringLiteral("The page");
-    return url.port() < 0 ? host : host + u':' + QString::number(url.port());
-}
-
-PageDialogs::PageDialogs(PageBars& bars, QWidget& place, EngineWaits& waits, Pestered pestered)
-    : bars_(bars), place_(place), waits_(waits), pestered_(std::move(pestered)) {
+PageDialogs::PageDialogs(PageBars& bars, QWidget& place, EngineWaits& waits, Page page)
+    : bars_(bars), place_(place), waits_(waits), page_(std::move(page)) {
     place_.installEventFilter(this);
 }
 
@@ -42,61 +41,93 @@ PageDialogs::~PageDialogs() { give_up(); }
 
 void PageDialogs::alert(const QUrl& origin, const QString& text) {
     if (may_speak())
-        tell(origin, text);
+        tell(says(origin), text);
 }
 
 bool PageDialogs::confirm(const QUrl& origin, const QString& text) {
     if (!may_speak())
         return false;
     if (!may_ask()) {
-        tell(origin, text + QStringLiteral("\n(Answered with Cancel, because the program was busy.)"));
+        tell(says(origin), text + QStringLiteral("\n(Answered with Cancel, because the program was busy.)"));
         return false;
     }
     PageBar& bar = add_bar(QStringLiteral("PageConfirm"), says(origin), text);
-    return ask(bar, QStringLiteral("OK"), QStringLiteral("Cancel"));
+    return ask(bar, origin, QStringLiteral("OK"), QStringLiteral("Cancel"));
 }
 
 std::optional<QString> PageDialogs::prompt(const QUrl& origin, const QString& text, const QString& preset) {
     if (!may_speak())
         return std::nullopt;
     if (!may_ask()) {
-        tell(origin, text + QStringLiteral("\n(Answered with Cancel, because the program was busy.)"));
+        tell(says(origin), text + QStringLiteral("\n(Answered with Cancel, because the program was busy.)"));
         return std::nullopt;
     }
     PageBar& bar = add_bar(QStringLiteral("PagePrompt"), says(origin), text);
     const QPointer<QLineEdit> field = &bar.add_field({}, QStringLiteral("Answer"));
     field->setText(preset);
     field->selectAll();
-    if (!ask(bar, QStringLiteral("OK"), QStringLiteral("Cancel")) || !field)
+    if (!ask(bar, origin, QStringLiteral("OK"), QStringLiteral("Cancel")) || !field)
         return std::nullopt;
     return field->text();
 }
 
 std::optional<PageDialogs::SignIn> PageDialogs::sign_in(const QUrl& url, const QString& realm,
                                                         const QString& proxy) {
-    if (silenced_ || !may_ask())
+    const bool of_part = !same_address(url, page_.gone_to());
+    // What is being left loads on; only the page gone to is worth a question then.
+    if (of_part && (leaving_ || gave_up_))
         return std::nullopt;
-    const QString asker = proxy.isEmpty() ? shown_host(url) : QStringLiteral("The proxy ") + proxy;
+    note_speaker();
+    // It has not come yet, and answers for nothing that the former page has said.
+    const bool newcomer = !of_part && shown_host(url) != speaker_;
+    if (silenced_ && !newcomer)
+        return std::nullopt;
+    if (of_part && part_refused_) {
+        tell_of_refused_parts();
+        return std::nullopt;
+    }
+    if (!newcomer)
+        ++spoken_;
+    const QString heading = (proxy.isEmpty() ? shown_host(url) : QStringLiteral("The proxy ") + proxy) +
+                            QStringLiteral(" asks you to sign in:");
+    if (!may_ask()) {
+        tell(heading, realm + QStringLiteral("\n(Answered with Cancel, because the program was busy.)"));
+        return std::nullopt;
+    }
     const bool open_line = proxy.isEmpty() && url.scheme() != QLatin1String("https");
     PageBar& bar = add_bar(
-        QStringLiteral("SignIn"), asker + QStringLiteral(" asks you to sign in:"),
-        realm + (open_line ? QStringLiteral("\nWhat you enter can be read on its way there.") : QString()));
+        QStringLiteral("SignIn"), heading,
+        realm + (open_line ? QStringLiteral("\nWhat you enter can be read on its way there.") : QString()),
+        newcomer);
     const QPointer<QLineEdit> user = &bar.add_field(QStringLiteral("Name:"), QStringLiteral("User"));
     const QPointer<QLineEdit> password =
         &bar.add_field(QStringLiteral("Password:"), QStringLiteral("Password"));
     password->setEchoMode(QLineEdit::Password);
-    if (!ask(bar, QStringLiteral("Sign in"), QStringLiteral("Cancel")) || !user || !password)
+    const QPointer<PageDialogs> self(this);
+    const QUrl asker = proxy.isEmpty() ? url : QUrl();
+    const bool agreed = ask(bar, asker, QStringLiteral("Sign in"), QStringLiteral("Cancel"));
+    if (self && !agreed && !gave_up_)
+        part_refused_ = part_refused_ || of_part;
+    if (!agreed || !user || !password)
         return std::nullopt;
     return SignIn{user->text(), password->text()};
 }
 
+void PageDialogs::tell_of_refused_parts() {
+    if (!std::exchange(told_refused_parts_, true))
+        tell(QStringLiteral("More parts of this page ask you to sign in."),
+             QStringLiteral(
+                 "They were left out like the one that you refused. Reload the page to be asked again."));
+}
+
 bool PageDialogs::leave(const QUrl& origin) {
+    note_speaker();
     if (leaving_ || silenced_ || !may_ask())
         return true;
     ++spoken_;
     PageBar& bar = add_bar(QStringLiteral("PageLeave"), says(origin),
                            QStringLiteral("Leave this page? What you entered there may not be kept."));
-    return ask(bar, QStringLiteral("Leave"), QStringLiteral("Stay"));
+    return ask(bar, origin, QStringLiteral("Leave"), QStringLiteral("Stay"));
 }
 
 void PageDialogs::leaving() {
@@ -105,6 +136,8 @@ void PageDialogs::leaving() {
     take_messages_away();
     spoken_ = 0;
     silenced_ = false;
+    part_refused_ = false;
+    told_refused_parts_ = false;
     leaving_ = true;
     spoken_in_vain_ = 0;
 }
@@ -115,12 +148,24 @@ void PageDialogs::take_messages_away() {
     message_bar_.clear();
 }
 
+void PageDialogs::note_speaker() {
+    // Not what the page's document says when it begins, which is heard later than its first question.
+    const QString host = shown_host(page_.shown());
+    if (std::exchange(speaker_, host) == host)
+        return;
+    spoken_ = 0;
+    silenced_ = false;
+    part_refused_ = false;
+    told_refused_parts_ = false;
+}
+
 bool PageDialogs::may_speak() {
+    note_speaker();
     // A page that speaks without end never comes to the point where it could be left.
     if ((leaving_ || gave_up_) && ++spoken_in_vain_ == most_in_vain) {
         gave_up_ = true;
         take_messages_away();
-        pestered_();
+        page_.pestered();
     }
     if (silenced_ || gave_up_)
         return false;
@@ -132,10 +177,10 @@ bool PageDialogs::may_ask() const {
     return question_ == nullptr && place_.isVisible() && !waits_.open() && !waits_.program_busy();
 }
 
-void PageDialogs::tell(const QUrl& origin, const QString& text) {
+void PageDialogs::tell(const QString& heading, const QString& text) {
     if (messages_.size() >= most_messages)
         return;
-    messages_.push_back({says(origin), text});
+    messages_.push_back({heading, text});
     if (message_bar_) {
         // One may be silenced that stands there already, now that there is more than one.
         if (message_bar_->findChild<QCheckBox*>() == nullptr)
@@ -165,11 +210,12 @@ void PageDialogs::message_read() {
         message_bar_->take_focus();
 }
 
-PageBar& PageDialogs::add_bar(const QString& name, const QString& heading, const QString& text) {
+PageBar& PageDialogs::add_bar(const QString& name, const QString& heading, const QString& text,
+                              bool newcomer) {
     PageBar& bar = bars_.add(name);
     bar.set_heading(heading);
     bar.set_text(text);
-    if (spoken_ >= 2)
+    if (spoken_ >= 2 && !newcomer)
         add_silencer(bar);
     return bar;
 }
@@ -177,10 +223,13 @@ PageBar& PageDialogs::add_bar(const QString& name, const QString& heading, const
 void PageDialogs::add_silencer(PageBar& bar) {
     QCheckBox& silencer =
         bar.add_check(QStringLiteral("Show nothing more of this page"), QStringLiteral("Silence"));
-    connect(&silencer, &QCheckBox::toggled, this, [this](bool on) { silenced_ = on; });
+    connect(&silencer, &QCheckBox::toggled, this, [this, host = speaker_](bool on) {
+        if (host == speaker_)
+            silenced_ = on;
+    });
 }
 
-bool PageDialogs::ask(PageBar& bar, const QString& yes, const QString& no) {
+bool PageDialogs::ask(PageBar& bar, const QUrl& asker, const QString& yes, const QString& no) {
     const auto question = std::make_shared<Question>();
     const QPointer<PageBar> shown(&bar);
     const QPointer<PageDialogs> self(this);
@@ -190,7 +239,9 @@ bool PageDialogs::ask(PageBar& bar, const QString& yes, const QString& no) {
         question->loop.quit();
     });
     bar.add_button(no, [question] { question->loop.quit(); });
-    bar.take_focus();
+    bars_.reveal(bar);
+    if (shown_host(asker) == shown_host(page_.gone_to()) && !bars_.user_types())
+        bar.take_focus();
     const EngineWaits::Open standing_still(waits_);
     question->loop.exec();
     PageBars::remove(shown);

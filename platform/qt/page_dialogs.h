@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/qt/page_bar.h"
+#include "platform/qt/page_bars.h"
 
 #include <QObject>
 #include <QPointer>
@@ -22,7 +22,12 @@ class EngineWaits;
 // needs an answer, so its page waits, and the engine with it; therefore it is asked only of a user who can
 // see it and while the program is in the middle of nothing, and it is given up as soon as the page is to be
 // left. Otherwise it is answered at once in the way that does least, and said so. From the second dialog on
-// the user can silence a page.
+// the user can silence a page; its host stays silent until another one speaks.
+//
+// Of the sign-ins that parts of a page need (pictures, frames) the first one that is refused answers for all.
+//
+// A question takes the keyboard only for the host that the window shows, and never from a user who is typing;
+// otherwise a password meant for the page would end in its bar.
 class PageDialogs : public QObject {
 public:
     struct SignIn {
@@ -30,10 +35,14 @@ public:
         QString password;
     };
 
-    // A page that is being left keeps asking; `pestered` has to end it. Called from inside the engine.
-    using Pestered = std::function<void()>;
+    struct Page {
+        std::function<QUrl()> shown;   // address of the document in the top window
+        std::function<QUrl()> gone_to; // address that the top window goes to, or went to last
+        // A page that is being left keeps asking, and has to be ended. Called from inside the engine.
+        std::function<void()> pestered;
+    };
     // All outlive the dialogs; `place` is where the page is shown.
-    PageDialogs(PageBars& bars, QWidget& place, EngineWaits& waits, Pestered pestered);
+    PageDialogs(PageBars& bars, QWidget& place, EngineWaits& waits, Page page);
     ~PageDialogs() override;
     PageDialogs(const PageDialogs&) = delete;
     PageDialogs& operator=(const PageDialogs&) = delete;
@@ -71,16 +80,20 @@ private:
         QString text;
     };
 
+    // Whoever is silent is so no longer when another host has come in its place.
+    void note_speaker();
     // Whether a page may say anything now; counts it.
     bool may_speak();
     [[nodiscard]] bool may_ask() const;
-    void tell(const QUrl& origin, const QString& text);
+    void tell(const QString& heading, const QString& text);
+    void tell_of_refused_parts();
     void show_next_message();
     void message_read();
-    PageBar& add_bar(const QString& name, const QString& heading, const QString& text);
+    PageBar& add_bar(const QString& name, const QString& heading, const QString& text, bool newcomer = false);
     void add_silencer(PageBar& bar);
     // Waits for the answer: whether the first button was pressed. False also when nobody is left to ask.
-    bool ask(PageBar& bar, const QString& yes, const QString& no);
+    // `asker` is of whom the user is asked.
+    bool ask(PageBar& bar, const QUrl& asker, const QString& yes, const QString& no);
     void give_up();
     void take_messages_away();
 
@@ -90,15 +103,15 @@ private:
     std::deque<Message> messages_;
     QPointer<PageBar> message_bar_;
     std::shared_ptr<Question> question_;
-    Pestered pestered_;
+    Page page_;
+    QString speaker_; // host whose page spoke last
     int spoken_ = 0;
     int spoken_in_vain_ = 0; // since it is being left
     bool silenced_ = false;
+    bool part_refused_ = false;       // a sign-in for a part of the page
+    bool told_refused_parts_ = false; // that the others were refused with it
     bool leaving_ = false;
     bool gave_up_ = false; // its question, because it is being left; it may ask again and again
 };
-
-// The address's host as a user can tell it from others, with its port.
-QString shown_host(const QUrl& url);
 
 } // namespace kestrune

@@ -1,12 +1,12 @@
 #include "platform/qt/page_tools.h"
 
 #include "platform/qt/child_of.h"
-#include "platform/qt/file_chooser.h"
 #include "platform/qt/file_name.h"
 #include "platform/qt/find_bar.h"
-#include "platform/qt/page_bar.h"
+#include "platform/qt/page_bars.h"
 #include "platform/qt/page_overlay.h"
 #include "platform/qt/source_window.h"
+#include "platform/qt/stand_above.h"
 
 #include <QAction>
 #include <QBoxLayout>
@@ -61,18 +61,18 @@ PageTools::PageTools(QWidget& place, QWebEngineView& view, PageBars& bars)
     add_key("Ctrl+0", [this] { zoom(0); });
     add_key("Ctrl+P", [this] { print(); });
     add_key("Ctrl+U", [this] { show_source(); });
+    add_key("F6", [this] {
+        if (!bars_.focus_next())
+            view_.setFocus();
+    });
     connect(view.page(), &QWebEnginePage::printRequested, this, [this] {
         if (print_bar_ && !print_bar_->isHidden())
             return;
         PageBar& bar = bars_.add(QStringLiteral("PrintRequest"));
         print_bar_ = &bar;
         bar.set_heading(QStringLiteral("This page wants to be printed"));
-        const auto take_away = [shown = QPointer<PageBar>(&bar)] { PageBars::remove(shown); };
-        bar.add_button(QStringLiteral("Print to PDF..."), [this, take_away] {
-            take_away();
-            print();
-        });
-        bar.add_button(QStringLiteral("Close"), take_away);
+        bar.add_answer(QStringLiteral("Print to PDF..."), [this] { print(); });
+        bar.add_answer(QStringLiteral("Close"));
     });
 }
 
@@ -125,10 +125,7 @@ void PageTools::write_pdf(const QString& path, const QByteArray& pdf) {
 }
 
 void PageTools::tell(const QString& heading, const QString& text) {
-    PageBar& bar = bars_.add(QStringLiteral("PageTold"));
-    bar.set_heading(heading);
-    bar.set_text(text);
-    bar.add_button(QStringLiteral("OK"), [shown = QPointer<PageBar>(&bar)] { PageBars::remove(shown); });
+    bars_.tell(QStringLiteral("PageTold"), heading, text);
 }
 
 void PageTools::show_source() {

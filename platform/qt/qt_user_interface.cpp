@@ -9,6 +9,7 @@
 #include "platform/qt/qt_message_box.h"
 #include "platform/qt/qt_text.h"
 #include "platform/qt/qt_window.h"
+#include "platform/qt/stand_above.h"
 #include "platform/qt/start_notices.h"
 #include "platform/qt/twips.h"
 
@@ -234,10 +235,8 @@ void QtUserInterface::stand_above_window(QDialog& dialog) const {
     const QWidget* above = QApplication::activeModalWidget();
     if (above == nullptr)
         above = shown_window();
-    if (above == nullptr)
-        return;
-    dialog.winId();
-    dialog.windowHandle()->setTransientParent(above->windowHandle());
+    if (above != nullptr)
+        stand_above(dialog, *above);
 }
 
 } // namespace kestrune

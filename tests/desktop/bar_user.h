@@ -7,6 +7,7 @@
 #include <QEvent>
 #include <QLabel>
 #include <QLineEdit>
+#include <QPointer>
 #include <QPushButton>
 #include <QTimer>
 
@@ -57,8 +58,16 @@ public:
     [[nodiscard]] const std::vector<std::string>& seen() const { return seen_; }
     [[nodiscard]] bool done() const { return expected_.empty(); }
 
-    static void press(const PageBar& bar, const std::string& button) {
-        bar.findChild<QPushButton*>(QString::fromStdString(button))->click();
+    // Does something in the bar when it has been looked at for a while.
+    static void after_a_look(PageBar& bar, const std::function<void()>& act) {
+        const QPointer<PageBar> looked_at(&bar);
+        bar.set_clock([] { return std::chrono::steady_clock::now() + 2 * PageBar::settling_time; });
+        act();
+        if (looked_at)
+            bar.set_clock(std::chrono::steady_clock::now);
+    }
+    static void press(PageBar& bar, const std::string& button) {
+        after_a_look(bar, [&] { bar.findChild<QPushButton*>(QString::fromStdString(button))->click(); });
     }
     static void type(const PageBar& bar, const std::string& field, const std::string& text) {
         bar.findChild<QLineEdit*>(QString::fromStdString(field))->setText(QString::fromStdString(text));

@@ -93,10 +93,14 @@ TEST_F(PageDialogsTest, a_question_is_answered_by_the_user) {
 }
 
 TEST_F(PageDialogsTest, a_question_is_answered_by_the_keyboard) {
-    user_.expect("PageConfirm", [](PageBar& shown) { QTest::keyClick(shown.focusWidget(), Qt::Key_Escape); });
+    user_.expect("PageConfirm", [](PageBar& shown) {
+        BarUser::after_a_look(shown, [&] { QTest::keyClick(shown.focusWidget(), Qt::Key_Escape); });
+    });
     user_.expect("PagePrompt", [](PageBar& shown) {
-        QTest::keyClicks(shown.focusWidget(), "by key");
-        QTest::keyClick(shown.focusWidget(), Qt::Key_Return);
+        BarUser::after_a_look(shown, [&] {
+            QTest::keyClicks(shown.focusWidget(), "by key");
+            QTest::keyClick(shown.focusWidget(), Qt::Key_Return);
+        });
     });
     const PageDocument page = open_page("<input><script>document.querySelector('input').value = "
                                         "[confirm('really?'), prompt('name')].join()</script>");

@@ -95,7 +95,7 @@ TEST_F(PageFocus, ABarThatIsAnsweredGivesThePageItsKeysBack) {
     BarUser bars;
     bars.expect("PageConfirm", [&](PageBar& bar) {
         had_keys = bar.isAncestorOf(focus());
-        QTest::keyClick(focus(), Qt::Key_Return);
+        BarUser::after_a_look(bar, [&] { QTest::keyClick(focus(), Qt::Key_Return); });
     });
     open_page("/page");
     EXPECT_TRUE(bars.done());

@@ -30,7 +30,8 @@ TEST_F(PageRounds, closing_the_words_about_a_page_that_was_stopped_lets_it_go_on
     ASSERT_NE(late, nullptr);
     wait_for_tries();
     const int loads = server_.count_of("/round");
-    QTest::mouseClick(late->findChild<QPushButton*>("Close"), Qt::LeftButton);
+    BarUser::after_a_look(
+        *late, [late] { QTest::mouseClick(late->findChild<QPushButton*>("Close"), Qt::LeftButton); });
     EXPECT_TRUE(wait_until([this] { return bar("PageLate") == nullptr; }));
     wait_for_tries();
     wait_for_tries();

@@ -178,9 +178,13 @@ void Soak::await_end(const Kind& kind) {
 
 // What a page asks stands in a bar above it, and the page waits for the answer.
 void Soak::answer_page() {
-    for (PageBar* const bar : driver_.window().findChildren<PageBar*>()) {
-        QPushButton* const button = bar->findChild<QPushButton*>(QStringLiteral("OK"));
-        if (button == nullptr || !bar->isVisible() || bar->property(answered).toBool())
+    for (QFrame* const frame : driver_.window().findChildren<QFrame*>()) {
+        auto* const bar = dynamic_cast<PageBar*>(frame);
+        QPushButton* const button =
+            bar == nullptr ? nullptr : bar->findChild<QPushButton*>(QStringLiteral("OK"));
+        // A user too needs a moment before a bar takes a press.
+        if (button == nullptr || !bar->isVisible() || !bar->takes_presses() ||
+            bar->property(answered).toBool())
             continue;
         bar->setProperty(answered, true);
         ++counts_.questions;
