@@ -12,6 +12,7 @@
 #include <QProgressBar>
 #include <QPushButton>
 #include <QStandardPaths>
+#include <QTimer>
 #include <QWebEngineDownloadRequest>
 #include <QWebEnginePage>
 
@@ -23,8 +24,16 @@ namespace {
 
 constexpr std::size_t most_downloads = 20; // at a time; a page may ask without end
 constexpr int progress_steps = 1000;
+constexpr std::chrono::milliseconds progress_time{500};
 
 QString size_words(qint64 bytes) { return QLocale::c().formattedDataSize(bytes); }
+
+qint64 bytes_in(const QString& folder) {
+    qint64 bytes = 0;
+    for (const QFileInfo& file : QDir(folder).entryInfoList(QDir::Files | QDir::Hidden))
+        bytes += file.size();
+    return bytes;
+}
 
 QString content_name() { return QStringLiteral("content"); }
 
@@ -39,12 +48,19 @@ public:
     Download(Download&&) = delete;
     Download& operator=(Download&&) = delete;
 
+    [[nodiscard]] bool unanswered() const { return target_.isEmpty(); }
+    [[nodiscard]] bool being_chosen() const { return choosing_; }
+    [[nodiscard]] bool offered_by(const QWebEnginePage* page) const { return page_ == page; }
+    // Bytes that may come in before the user has answered.
+    [[nodiscard]] qint64 unasked() const { return unanswered() ? unasked_ : 0; }
+
 private:
     using State = QWebEngineDownloadRequest::DownloadState;
 
     void show();
     PageBar& new_bar(const QString& name);
     void choose_place();
+    void let_in();
     void follow();
     void finish();
     void tell_end(const QString& heading, const QString& text);
@@ -57,11 +73,14 @@ private:
     QPointer<QWebEnginePage> page_; // the item's own pointer dangles once the page is gone
     QString folder_;                // of its own
     QString name_;
-    QString from_;        // host
-    QString target_;      // "" while the user has not chosen
+    QString from_;   // host
+    QString target_; // "" while the user has not chosen
+    bool choosing_ = false;
+    qint64 unasked_ = 0;
     QString end_heading_; // set once it is over
     QString end_text_;
     QPointer<PageBar> bar_;
+    QTimer tick_;
 };
 
 Downloads::Download::Download(Downloads& owner, QWebEngineDownloadRequest& item, QString folder)
@@ -74,7 +93,14 @@ Downloads::Download::Download(Downloads& owner, QWebEngineDownloadRequest& item,
     // One that could be taken up again counts as interrupted only, not as finished.
     connect(&item, &QWebEngineDownloadRequest::stateChanged, this, [this] { finish(); });
     connect(&item, &QWebEngineDownloadRequest::isFinishedChanged, this, [this] { finish(); });
+    // Not from inside the engine's own call: it would end that one as if it had not been paused.
+    for (const auto change :
+         {&QWebEngineDownloadRequest::totalBytesChanged, &QWebEngineDownloadRequest::receivedBytesChanged})
+        connect(
+            &item, change, this, [this] { let_in(); }, Qt::QueuedConnection);
     connect(&item, &QWebEngineDownloadRequest::receivedBytesChanged, this, [this] { follow(); });
+    tick_.callOnTimeout([this] { follow(); });
+    let_in();
     show();
 }
 
@@ -122,6 +148,7 @@ void Downloads::Download::show() {
     bar.set_heading(QStringLiteral("Saving ") + QFileInfo(target_).fileName());
     bar.add_progress().setRange(0, item_->totalBytes() > 0 ? progress_steps : 0);
     bar.add_button(QStringLiteral("Cancel"), [this] { refuse(); });
+    tick_.start(progress_time);
     follow();
 }
 
@@ -135,21 +162,42 @@ void Downloads::Download::choose_place() {
     dialog.setDirectory(QStandardPaths::writableLocation(QStandardPaths::DownloadLocation));
     dialog.selectFile(name_);
     const QPointer<Download> self(this);
+    choosing_ = true;
     const bool chosen = dialog.exec() == QDialog::Accepted && !dialog.selectedFiles().isEmpty();
-    if (!self || !chosen)
+    if (!self)
+        return;
+    choosing_ = false;
+    if (!chosen)
         return;
     target_ = dialog.selectedFiles().first();
+    let_in();
     PageBars::remove(bar_);
     bar_.clear();
     show();
     finish();
 }
 
+// Whether it is small is known only after the engine has begun with it. A file that is sent packed grows
+// beyond the size that was announced.
+void Downloads::Download::let_in() {
+    if (!item_ || item_->isFinished())
+        return;
+    const qint64 whole = item_->totalBytes();
+    const bool small = whole > 0 && whole <= most_unasked && item_->receivedBytes() <= whole &&
+                       owner_.let_in_unasked() - unasked() + whole <= most_unasked_together;
+    unasked_ = small ? whole : 0;
+    if (!unanswered() || small)
+        item_->resume();
+    else
+        item_->pause();
+}
+
 void Downloads::Download::follow() {
     if (!bar_ || !item_ || target_.isEmpty() || !end_heading_.isEmpty())
         return;
     const qint64 whole = item_->totalBytes();
-    const qint64 here = item_->receivedBytes();
+    // The engine may say nothing of what came in right after a pause.
+    const qint64 here = std::max(item_->receivedBytes(), bytes_in(folder_));
     if (auto* const progress = bar_->findChild<QProgressBar*>(); progress != nullptr && whole > 0)
         progress->setValue(static_cast<int>(here * progress_steps / whole));
     bar_->set_text(whole > 0 ? size_words(here) + QStringLiteral(" of ") + size_words(whole)
@@ -183,6 +231,7 @@ void Downloads::Download::finish() {
 }
 
 void Downloads::Download::tell_end(const QString& heading, const QString& text) {
+    tick_.stop();
     end_heading_ = heading;
     end_text_ = text;
     if (owner_.place_for(nullptr) == nullptr) {
@@ -231,12 +280,58 @@ PageBars* Downloads::place_for(const QWebEnginePage* page) const {
 }
 
 void Downloads::requested(QWebEngineDownloadRequest& item) {
-    if (downloads_.size() >= most_downloads || place_for(nullptr) == nullptr) {
+    PageBars* const bars = place_for(item.page());
+    if (bars == nullptr) {
         diagnostics::report("download refused", item.url().toString().toStdString());
         item.cancel();
-        return;
+    } else if (downloads_.size() >= most_downloads) {
+        refuse(item, *bars, QStringLiteral("There are %1 downloads already.").arg(most_downloads));
+    } else if (offers_of(item.page()) >= most_offers) {
+        refuse(item, *bars,
+               QStringLiteral("%1 offers of this page wait for your answer already.").arg(most_offers));
+    } else {
+        downloads_.push_back(
+            std::make_unique<Download>(*this, item, folder_ + u'/' + QString::number(++made_)));
     }
-    downloads_.push_back(std::make_unique<Download>(*this, item, folder_ + u'/' + QString::number(++made_)));
+}
+
+void Downloads::refuse(QWebEngineDownloadRequest& item, PageBars& bars, const QString& why) {
+    diagnostics::report("download refused", item.url().toString().toStdString());
+    item.cancel();
+    const auto place = std::find_if(places_.begin(), places_.end(),
+                                    [&bars](const Place& candidate) { return candidate.bars == &bars; });
+    if (!place->refusals || place->refusals->isHidden()) {
+        place->refusals = &bars.tell(QStringLiteral("DownloadsRefused"), {}, {});
+        place->refused = 0;
+    }
+    ++place->refused;
+    place->refusals->set_heading(place->refused == 1
+                                     ? QStringLiteral("Another file was refused.")
+                                     : QStringLiteral("%1 more files were refused.").arg(place->refused));
+    place->refusals->set_text(why);
+}
+
+void Downloads::page_left(const QWebEnginePage& page) {
+    std::erase_if(downloads_, [&page](const auto& download) {
+        return download->offered_by(&page) && download->unanswered() && !download->being_chosen();
+    });
+    for (const Place& place : places_) {
+        if (place.page == &page)
+            PageBars::remove(place.refusals);
+    }
+}
+
+std::size_t Downloads::offers_of(const QWebEnginePage* page) const {
+    return static_cast<std::size_t>(std::ranges::count_if(downloads_, [page](const auto& download) {
+        return download->unanswered() && download->offered_by(page);
+    }));
+}
+
+qint64 Downloads::let_in_unasked() const {
+    qint64 bytes = 0;
+    for (const auto& download : downloads_)
+        bytes += download->unasked();
+    return bytes;
 }
 
 void Downloads::ended(const Download& download) {

@@ -66,6 +66,7 @@ struct PageComforts::Parts {
     PageDeadline deadline;
     PageHealth health;
     PageTools tools;
+    QString host; // that the window shows
     QPointer<PageBar> certificate;
     QPointer<PageBar> late;
     QPointer<PageBar> send_again;
@@ -162,6 +163,9 @@ void PageComforts::began(const DocumentId& document) {
     if (!parts_)
         return;
     parts_->dialogs.arrived();
+    const QString host = shown_host(page_.url());
+    if (std::exchange(parts_->host, host) != host && gone_to)
+        profile_.downloads().page_left(page_);
     if (gone_to)
         parts_->outside.forget_refusals();
     parts_->health.began();

@@ -35,6 +35,8 @@ SiteServer::SiteServer() : server_(std::make_unique<httplib::Server>()) {
             return;
         if (answer.held)
             hold_back(given, answer);
+        else if (answer.endless)
+            send_for_ever(given, answer);
         else
             given.set_content(answer.body, answer.type.c_str());
     };
@@ -71,6 +73,18 @@ void SiteServer::hold_back(httplib::Response& given, const Answer& answer) {
             ended_.wait(lock, [&] { return ending_ || releases_ > releases || breaks_ > breaks; });
             return !ending_ && breaks_ == breaks && sink.write(whole->data() + offset, length);
         });
+}
+
+void SiteServer::send_for_ever(httplib::Response& given, const Answer& answer) {
+    given.set_chunked_content_provider(answer.type.c_str(),
+                                       [this, body = answer.body](std::size_t, httplib::DataSink& sink) {
+                                           {
+                                               const std::lock_guard lock(mutex_);
+                                               if (ending_)
+                                                   return false;
+                                           }
+                                           return sink.write(body.data(), body.size());
+                                       });
 }
 
 void SiteServer::release() {

@@ -27,6 +27,8 @@ public:
         std::map<std::string, std::string> headers = {};
         // The last byte is kept back until `release`.
         bool held = false;
+        // The body is sent again and again, and no length told.
+        bool endless = false;
     };
     struct Request {
         std::string method;
@@ -60,6 +62,7 @@ public:
 
 private:
     void hold_back(httplib::Response& given, const Answer& answer);
+    void send_for_ever(httplib::Response& given, const Answer& answer);
 
     std::unique_ptr<httplib::Server> server_;
     std::thread thread_;
