@@ -83,14 +83,13 @@ void PageCalls::settle(quint32 request, Answer answer) {
 }
 
 std::optional<PageDocument> wait_for_image(PageCalls& calls, const DocumentId& document, PageParts parts,
-                                           const std::shared_ptr<EngineWaits>& waits) {
+                                           EngineWaits& waits) {
     struct Result {
         std::optional<PageDocument> image;
         bool done = false;
     };
     // The calls can end while this waits; what the answer writes to must not.
     const auto result = std::make_shared<Result>();
-    const std::shared_ptr<EngineWaits> kept = waits;
     QEventLoop loop;
     const QPointer<QEventLoop> waiting(&loop);
     calls.fetch_image(document, parts, [result, waiting](PageCalls::Answer answer) {
@@ -101,7 +100,7 @@ std::optional<PageDocument> wait_for_image(PageCalls& calls, const DocumentId& d
     });
     // Asked for from inside a posted event, the loop would sleep on the engine's own events posted behind it.
     loop.wakeUp();
-    const EngineWaits::ForPage waiting_for_page(*kept);
+    const EngineWaits::ForPage waiting_for_page(waits);
     if (!result->done)
         loop.exec(QEventLoop::ExcludeUserInputEvents);
     return std::move(result->image);

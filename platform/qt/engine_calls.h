@@ -9,7 +9,6 @@
 #include <chrono>
 #include <functional>
 #include <map>
-#include <memory>
 #include <optional>
 
 class QWebEnginePage;
@@ -64,9 +63,9 @@ private:
     quint32 next_request_ = 1;
 };
 
-// Fetches an image and waits for it, as PageCalls bounds it. The calls may end meanwhile. What the user does
-// waits: its handler would run inside the one that asks.
+// Fetches an image and waits for it, as PageCalls bounds it. The calls may end meanwhile, the waits may not.
+// What the user does waits: its handler would run inside the one that asks.
 std::optional<PageDocument> wait_for_image(PageCalls& calls, const DocumentId& document, PageParts parts,
-                                           const std::shared_ptr<EngineWaits>& waits);
+                                           EngineWaits& waits);
 
 } // namespace kestrune

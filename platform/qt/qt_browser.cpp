@@ -114,8 +114,8 @@ QtBrowser::Engine::Engine(QWidget& place, BrowserEvents& events, std::shared_ptr
     // What stands above and below the page takes no more room than it needs.
     if (auto* const column = qobject_cast<QBoxLayout*>(place.layout()))
         column->setStretchFactor(view_, 1);
-    menus_ = &child_of<MenuRequests>(
-        place, *view_, [this](const ElementRef& field) { return events_.ContextMenu(field); });
+    menus_ = &child_of<MenuRequests>(place, *view_,
+                                     [this](const ElementRef& field) { return events_.ContextMenu(field); });
     comforts_ = std::make_unique<PageComforts>(place, *view_, *page_, *profile_,
                                                PageActions{[this] { reload(); }, [this] { start_reload(); },
                                                            [this](const QUrl& url) { go_to(url); }});
@@ -351,7 +351,8 @@ std::string QtBrowser::LocationURL() const {
 }
 
 std::optional<PageDocument> QtBrowser::take_image(const DocumentId& document, PageParts parts) {
-    return wait_for_image(engine_->calls(), document, parts, engine_->waits());
+    const std::shared_ptr<EngineWaits> waits = engine_->waits();
+    return wait_for_image(engine_->calls(), document, parts, *waits);
 }
 
 void QtBrowser::apply(const std::vector<PageEdit>& edits) {
