@@ -35,6 +35,17 @@ qint64 bytes_in(const QString& folder) {
     return bytes;
 }
 
+// The path, or the next one like it that nothing has: "tool (2).zip".
+QString free_path(const QString& path) {
+    const QFileInfo wanted(path);
+    const QString ending = wanted.suffix().isEmpty() ? QString() : u'.' + wanted.suffix();
+    QString free = path;
+    for (int number = 2; QFileInfo::exists(free); ++number)
+        free =
+            wanted.path() + u'/' + wanted.completeBaseName() + QStringLiteral(" (%1)").arg(number) + ending;
+    return free;
+}
+
 QString content_name() { return QStringLiteral("content"); }
 
 } // namespace
@@ -53,6 +64,11 @@ public:
     [[nodiscard]] bool offered_by(const QWebEnginePage* page) const { return page_ == page; }
     // Bytes that may come in before the user has answered.
     [[nodiscard]] qint64 unasked() const { return unanswered() ? unasked_ : 0; }
+    // A broken connection is taken up again by the engine, as a request of its own.
+    [[nodiscard]] bool goes_on_as(const QWebEngineDownloadRequest& item) const {
+        return item.id() == id_ && end_heading_.isEmpty();
+    }
+    void take(QWebEngineDownloadRequest& item);
 
 private:
     using State = QWebEngineDownloadRequest::DownloadState;
@@ -69,6 +85,7 @@ private:
     void remove_part() const { QDir(folder_).removeRecursively(); }
 
     Downloads& owner_;
+    quint32 id_;
     QPointer<QWebEngineDownloadRequest> item_;
     QPointer<QWebEnginePage> page_; // the item's own pointer dangles once the page is gone
     QString folder_;                // of its own
@@ -76,6 +93,7 @@ private:
     QString from_;   // host
     QString target_; // "" while the user has not chosen
     bool choosing_ = false;
+    bool replaces_ = false; // what was there when the user chose it
     qint64 unasked_ = 0;
     QString end_heading_; // set once it is over
     QString end_text_;
@@ -84,9 +102,18 @@ private:
 };
 
 Downloads::Download::Download(Downloads& owner, QWebEngineDownloadRequest& item, QString folder)
-    : owner_(owner), item_(&item), page_(item.page()), folder_(std::move(folder)),
+    : owner_(owner), id_(item.id()), page_(item.page()), folder_(std::move(folder)),
       name_(clean_file_name(item.suggestedFileName())), from_(shown_host(item.url())) {
     QDir().mkpath(folder_);
+    tick_.callOnTimeout([this] { follow(); });
+    take(item);
+    show();
+}
+
+void Downloads::Download::take(QWebEngineDownloadRequest& item) {
+    if (item_)
+        item_->disconnect(this);
+    item_ = &item;
     item.setDownloadDirectory(folder_);
     item.setDownloadFileName(content_name());
     item.accept();
@@ -99,9 +126,8 @@ Downloads::Download::Download(Downloads& owner, QWebEngineDownloadRequest& item,
         connect(
             &item, change, this, [this] { let_in(); }, Qt::QueuedConnection);
     connect(&item, &QWebEngineDownloadRequest::receivedBytesChanged, this, [this] { follow(); });
-    tick_.callOnTimeout([this] { follow(); });
+    connect(&item, &QWebEngineDownloadRequest::totalBytesChanged, this, [this] { follow(); });
     let_in();
-    show();
 }
 
 Downloads::Download::~Download() {
@@ -136,12 +162,12 @@ void Downloads::Download::show() {
         return;
     }
     if (target_.isEmpty()) {
-        const qint64 size = item_->totalBytes();
         PageBar& bar = new_bar(QStringLiteral("Download"));
         bar.set_heading(from_ + QStringLiteral(" offers a file:"));
-        bar.set_text(name_ + (size > 0 ? QStringLiteral(", ") + size_words(size) : QString()));
+        bar.set_text(name_);
         bar.add_button(QStringLiteral("Save..."), [this] { choose_place(); });
         bar.add_button(QStringLiteral("Do not save"), [this] { refuse(); });
+        follow();
         return;
     }
     PageBar& bar = new_bar(QStringLiteral("DownloadProgress"));
@@ -170,6 +196,7 @@ void Downloads::Download::choose_place() {
     if (!chosen)
         return;
     target_ = dialog.selectedFiles().first();
+    replaces_ = QFileInfo::exists(target_);
     let_in();
     PageBars::remove(bar_);
     bar_.clear();
@@ -193,9 +220,15 @@ void Downloads::Download::let_in() {
 }
 
 void Downloads::Download::follow() {
-    if (!bar_ || !item_ || target_.isEmpty() || !end_heading_.isEmpty())
+    if (!bar_ || !item_ || !end_heading_.isEmpty())
         return;
     const qint64 whole = item_->totalBytes();
+    if (target_.isEmpty()) {
+        // Known only once it comes in.
+        if (whole > 0)
+            bar_->set_text(name_ + QStringLiteral(", ") + size_words(whole));
+        return;
+    }
     // The engine may say nothing of what came in right after a pause.
     const qint64 here = std::max(item_->receivedBytes(), bytes_in(folder_));
     if (auto* const progress = bar_->findChild<QProgressBar*>(); progress != nullptr && whole > 0)
@@ -222,7 +255,9 @@ void Downloads::Download::finish() {
     }
     if (target_.isEmpty())
         return;
-    const QString problem = move_into_place(folder_ + u'/' + content_name(), target_);
+    if (!replaces_)
+        target_ = free_path(target_);
+    const QString problem = move_into_place(folder_ + u'/' + item_->downloadFileName(), target_);
     if (problem.isEmpty())
         tell_end(QFileInfo(target_).fileName() + QStringLiteral(" is saved."),
                  QFileInfo(target_).absolutePath());
@@ -280,6 +315,12 @@ PageBars* Downloads::place_for(const QWebEnginePage* page) const {
 }
 
 void Downloads::requested(QWebEngineDownloadRequest& item) {
+    const auto known = std::find_if(downloads_.begin(), downloads_.end(),
+                                    [&item](const auto& download) { return download->goes_on_as(item); });
+    if (known != downloads_.end()) {
+        (*known)->take(item);
+        return;
+    }
     PageBars* const bars = place_for(item.page());
     if (bars == nullptr) {
         diagnostics::report("download refused", item.url().toString().toStdString());

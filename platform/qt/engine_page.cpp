@@ -4,6 +4,7 @@
 #include "platform/qt/engine_address.h"
 #include "platform/qt/page_requests.h"
 
+#include <QAuthenticator>
 #include <QDir>
 #include <QFile>
 #include <QJsonDocument>
@@ -98,6 +99,23 @@ QString page_script(const QJsonObject& config) {
 
 } // namespace
 
+class EnginePage::Call {
+public:
+    explicit Call(EnginePage& page) : page_(page) { ++page_.calls_; }
+    ~Call() {
+        // Not before: an event loop inside the call would delete it there and then.
+        if (--page_.calls_ == 0 && page_.ended_)
+            page_.deleteLater();
+    }
+    Call(const Call&) = delete;
+    Call& operator=(const Call&) = delete;
+    Call(Call&&) = delete;
+    Call& operator=(Call&&) = delete;
+
+private:
+    EnginePage& page_;
+};
+
 EnginePage::EnginePage(QWebEngineProfile& profile, EnginePageEvents& events)
     : QWebEnginePage(&profile), events_(&events), bridge_([this](PageNotice notice) {
           begun_ = begun_ || notice.kind == PageNotice::Kind::begin;
@@ -111,6 +129,12 @@ EnginePage::EnginePage(QWebEngineProfile& profile, EnginePageEvents& events)
     setUrlRequestInterceptor(interceptor_.get());
     set_straggler_time(default_straggler_time);
     refuse_requests();
+    connect(this, &QWebEnginePage::authenticationRequired, this,
+            [this](const QUrl& url, QAuthenticator* authenticator) { sign_in(url, *authenticator, {}); });
+    connect(this, &QWebEnginePage::proxyAuthenticationRequired, this,
+            [this](const QUrl& url, QAuthenticator* authenticator, const QString& proxy) {
+                sign_in(url, *authenticator, proxy);
+            });
     connect(this, &QWebEnginePage::loadProgress, this, [this] { make_up_for_a_missing_script(); });
     connect(this, &QWebEnginePage::loadFinished, this, [this] { make_up_for_a_missing_script(); });
     connect(this, &QWebEnginePage::renderProcessTerminated, this,
@@ -125,6 +149,13 @@ EnginePage::EnginePage(QWebEngineProfile& profile, EnginePageEvents& events)
 EnginePage::~EnginePage() {
     setUrlRequestInterceptor(nullptr);
     setWebChannel(nullptr);
+}
+
+void EnginePage::end(std::unique_ptr<EnginePage> page) {
+    if (page->calls_ == 0)
+        return;
+    page->ended_ = true;
+    (void)page.release(); // deleted by the last call
 }
 
 void EnginePage::set_straggler_time(std::chrono::milliseconds time) {
@@ -182,11 +213,13 @@ bool EnginePage::acceptNavigationRequest(const QUrl& url, NavigationType type, b
 }
 
 QWebEnginePage* EnginePage::createWindow(WebWindowType) {
+    const Call call(*this);
     return events_ != nullptr ? events_->window_wanted() : nullptr;
 }
 
 QStringList EnginePage::chooseFiles(FileSelectionMode mode, const QStringList& /*former*/,
                                     const QStringList& types) {
+    const Call call(*this);
     return requests_ != nullptr ? requests_->files_wanted(mode, types) : QStringList();
 }
 
@@ -196,11 +229,13 @@ void EnginePage::javaScriptAlert(const QUrl& origin, const QString& text) {
 }
 
 bool EnginePage::javaScriptConfirm(const QUrl& origin, const QString& text) {
+    const Call call(*this);
     return requests_ != nullptr && requests_->page_confirm(origin, text);
 }
 
 bool EnginePage::javaScriptPrompt(const QUrl& origin, const QString& text, const QString& preset,
                                   QString* result) {
+    const Call call(*this);
     const auto answer = requests_ != nullptr ? requests_->page_prompt(origin, text, preset) : std::nullopt;
     *result = answer.value_or(QString());
     return answer.has_value();
@@ -211,6 +246,14 @@ void EnginePage::javaScriptConsoleMessage(JavaScriptConsoleMessageLevel, const Q
     diagnostics::report(
         "page console",
         (source + QLatin1Char(':') + QString::number(line) + QLatin1Char(' ') + message).toStdString());
+}
+
+void EnginePage::sign_in(const QUrl& url, QAuthenticator& authenticator, const QString& proxy) {
+    const Call call(*this);
+    if (requests_ != nullptr)
+        requests_->sign_in_wanted(url, authenticator, proxy);
+    else
+        authenticator = QAuthenticator();
 }
 
 void EnginePage::refuse_requests() {

@@ -9,6 +9,7 @@
 #include <chrono>
 #include <memory>
 
+class QAuthenticator;
 class QWebEngineUrlRequestInterceptor;
 
 namespace kestrune {
@@ -63,6 +64,9 @@ public:
         requests_ = nullptr;
     }
 
+    // Deletes the page, but not from under a call that the engine is making of it.
+    static void end(std::unique_ptr<EnginePage> page);
+
     // Holds for documents that begin from now on.
     void set_straggler_time(std::chrono::milliseconds time);
 
@@ -79,6 +83,10 @@ protected:
                                   const QString& source) override;
 
 private:
+    // For as long as a call of the engine lasts.
+    class Call;
+
+    void sign_in(const QUrl& url, QAuthenticator& authenticator, const QString& proxy);
     void refuse_requests();
     // Starts the page script in the top document when the engine has not.
     void make_up_for_a_missing_script();
@@ -92,6 +100,8 @@ private:
     QString frame_key_;
     QString top_key_;
     QString script_;
+    int calls_ = 0;
+    bool ended_ = false;
     bool begun_ = false; // the page script has reported a document since one was last asked for
 };
 

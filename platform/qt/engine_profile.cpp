@@ -86,7 +86,8 @@ EngineProfile::~EngineProfile() = default;
 
 void EngineProfile::forget_sites() {
     profile_->cookieStore()->deleteAllCookies();
-    // Not the cache: the engine clears it in its own time and loads nothing that is asked for meanwhile.
+    // Not the cache: the engine clears it in its own time, loads nothing that is asked for meanwhile, and
+    // before 6.7 does not say when that time is over.
     profile_->clearAllVisitedLinks();
     if (site_data_)
         site_data_->forget_at_next_start();

@@ -42,14 +42,20 @@ QString copied(const QString& from, const QString& to) {
     QSaveFile target(to);
     if (!source.open(QIODevice::ReadOnly))
         return source.errorString();
-    if (!target.open(QIODevice::WriteOnly))
+    // A buffer would learn of a full disk without knowing the reason.
+    if (!target.open(QIODevice::WriteOnly | QIODevice::Unbuffered))
         return target.errorString();
     while (!source.atEnd()) {
         const QByteArray part = source.read(copied_at_once);
         if (part.isEmpty())
             return source.errorString();
-        if (target.write(part) != part.size())
-            return target.errorString();
+        // Of what does not fit a disk, a first part is taken without an error.
+        for (qsizetype done = 0; done < part.size();) {
+            const qint64 taken = target.write(part.constData() + done, part.size() - done);
+            if (taken <= 0)
+                return target.errorString();
+            done += taken;
+        }
     }
     return target.commit() ? QString() : target.errorString();
 }

@@ -78,7 +78,6 @@ PageComforts::PageComforts(QWidget& place, QWebEngineView& view, QWebEnginePage&
       parts_(std::make_unique<Parts>(*this, place, view, profile.waits(), actions_)) {
     connect(&place, &QObject::destroyed, this, [this] { parts_.reset(); });
     profile.downloads().add_place(page, parts_->bars);
-    hear_sign_ins();
     hear_certificates();
     connect(&page, &QWebEnginePage::loadFinished, this, [this](bool succeeded) {
         if (!parts_)
@@ -111,7 +110,10 @@ PageComforts::~PageComforts() = default;
 bool PageComforts::leaving(std::function<void()> go) {
     if (!parts_)
         return false;
-    parts_->dialogs.leaving();
+    const bool later = parts_->dialogs.leaving([this, go] {
+        if (!parts_->health.leaving(go))
+            go();
+    });
     parts_->outside.leaving();
     parts_->tools.leaving();
     for (const auto& bar : {parts_->certificate, parts_->late, parts_->send_again})
@@ -121,7 +123,7 @@ bool PageComforts::leaving(std::function<void()> go) {
     left_ = true;
     asked_by_post_ = false;
     parts_->deadline.visit();
-    return parts_->health.leaving(std::move(go));
+    return later || parts_->health.leaving(std::move(go));
 }
 
 void PageComforts::reload_wanted(std::function<void()> reload) {
@@ -187,6 +189,8 @@ void PageComforts::set_deadline(std::chrono::milliseconds time) {
         parts_->deadline.set_time(time);
 }
 
+bool PageComforts::deadline_runs() const { return parts_ && parts_->deadline.running(); }
+
 void PageComforts::set_patience(std::chrono::milliseconds time) {
     if (parts_)
         parts_->health.set_patience(time);
@@ -225,8 +229,6 @@ bool PageComforts::eventFilter(QObject* watched, QEvent* event) {
     return false;
 }
 
-bool PageComforts::inside_engine() const { return parts_ && parts_->dialogs.open(); }
-
 void PageComforts::page_alert(const QUrl& origin, const QString& text) {
     if (parts_)
         parts_->dialogs.alert(origin, text);
@@ -245,7 +247,8 @@ std::optional<QString> PageComforts::page_prompt(const QUrl& origin, const QStri
 
 QStringList PageComforts::files_wanted(QWebEnginePage::FileSelectionMode mode, const QStringList& types) {
     EngineWaits& waits = profile_.waits();
-    if (!parts_ || !place_.isVisible() || waits.program_busy() || waits.open())
+    const QPointer<PageComforts> self(this);
+    if (waits.open() || !waits.wait_for_questions() || !self || !parts_ || !place_.isVisible())
         return {};
     const EngineWaits::Open standing_still(waits);
     return choose_files(place_, mode, types);
@@ -293,26 +296,14 @@ void PageComforts::address_refused(const QUrl& url, bool by_user) {
     parts_->outside.wanted(url, shown_host(page_.url()));
 }
 
-void PageComforts::hear_sign_ins() {
-    const auto answer = [this](QAuthenticator* authenticator,
-                               const std::optional<PageDialogs::SignIn>& given) {
-        if (!given) {
-            *authenticator = QAuthenticator(); // what the engine takes for a refusal
-            return;
-        }
-        authenticator->setUser(given->user);
-        authenticator->setPassword(given->password);
-    };
-    connect(&page_, &QWebEnginePage::authenticationRequired, this,
-            [this, answer](const QUrl& url, QAuthenticator* authenticator) {
-                answer(authenticator,
-                       parts_ ? parts_->dialogs.sign_in(url, authenticator->realm()) : std::nullopt);
-            });
-    connect(&page_, &QWebEnginePage::proxyAuthenticationRequired, this,
-            [this, answer](const QUrl& url, QAuthenticator* authenticator, const QString& proxy) {
-                answer(authenticator,
-                       parts_ ? parts_->dialogs.sign_in(url, authenticator->realm(), proxy) : std::nullopt);
-            });
+void PageComforts::sign_in_wanted(const QUrl& url, QAuthenticator& authenticator, const QString& proxy) {
+    const auto given = parts_ ? parts_->dialogs.sign_in(url, authenticator.realm(), proxy) : std::nullopt;
+    if (!given) {
+        authenticator = QAuthenticator(); // what the engine takes for a refusal
+        return;
+    }
+    authenticator.setUser(given->user);
+    authenticator.setPassword(given->password);
 }
 
 void PageComforts::hear_certificates() {

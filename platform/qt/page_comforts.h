@@ -57,14 +57,14 @@ public:
     void alive();
     // For all pages, of what they do from now on.
     void set_deadline(std::chrono::milliseconds time);
+    [[nodiscard]] bool deadline_runs() const;
     void set_patience(std::chrono::milliseconds time); // with a page that does not answer
-    // A question of the page's is open: the engine is inside a call of its own.
-    [[nodiscard]] bool inside_engine() const;
 
     void page_alert(const QUrl& origin, const QString& text) override;
     bool page_confirm(const QUrl& origin, const QString& text) override;
     std::optional<QString> page_prompt(const QUrl& origin, const QString& text,
                                        const QString& preset) override;
+    void sign_in_wanted(const QUrl& url, QAuthenticator& authenticator, const QString& proxy) override;
     QStringList files_wanted(QWebEnginePage::FileSelectionMode mode, const QStringList& types) override;
     bool may_navigate(const QUrl& url, QWebEnginePage::NavigationType type, bool top_level) override;
     void requesting(const QByteArray& method, bool top_level) override;
@@ -74,7 +74,6 @@ public:
 
 private:
     struct Parts;
-    void hear_sign_ins();
     void hear_certificates();
     void deadline_passed();
     [[nodiscard]] bool acted_just_now() const;

@@ -127,11 +127,20 @@ bool PageDialogs::leave(const QUrl& origin) {
     ++spoken_;
     PageBar& bar = add_bar(QStringLiteral("PageLeave"), says(origin),
                            QStringLiteral("Leave this page? What you entered there may not be kept."));
-    return ask(bar, origin, QStringLiteral("Leave"), QStringLiteral("Stay"));
+    const QPointer<PageDialogs> self(this);
+    asks_to_stay_ = true;
+    const bool agreed = ask(bar, origin, QStringLiteral("Leave"), QStringLiteral("Stay"));
+    if (self)
+        asks_to_stay_ = false;
+    return agreed;
 }
 
-void PageDialogs::leaving() {
+bool PageDialogs::leaving(std::function<void()> go) {
     gave_up_ = gave_up_ || question_ != nullptr;
+    // While the engine asks whether to go to one place it takes no other.
+    const bool later = question_ && asks_to_stay_;
+    if (later)
+        go_ = std::move(go);
     give_up();
     take_messages_away();
     spoken_ = 0;
@@ -140,6 +149,7 @@ void PageDialogs::leaving() {
     told_refused_parts_ = false;
     leaving_ = true;
     spoken_in_vain_ = 0;
+    return later;
 }
 
 void PageDialogs::take_messages_away() {
@@ -248,6 +258,8 @@ bool PageDialogs::ask(PageBar& bar, const QUrl& asker, const QString& yes, const
     if (!self)
         return false;
     question_.reset();
+    if (go_)
+        QMetaObject::invokeMethod(this, std::exchange(go_, nullptr), Qt::QueuedConnection);
     return question->yes;
 }
 

@@ -59,17 +59,15 @@ public:
 
     // The user or the program leaves the page: what it asks is given up, what it says is taken away, and
     // whoever comes next may speak again. A page that asks whether it may be left is not heard until
-    // `arrived`.
-    void leaving();
+    // `arrived`. True when nothing is to be asked for before the engine has heard that its own question,
+    // whether the page may be left, is given up: `go` is called then, soon.
+    [[nodiscard]] bool leaving(std::function<void()> go);
     void stayed() { leaving_ = false; }
     void arrived() {
         leaving_ = false;
         gave_up_ = false;
         spoken_in_vain_ = 0;
     }
-
-    // A question is open: the engine is inside a call of its own.
-    [[nodiscard]] bool open() const { return question_ != nullptr; }
 
     bool eventFilter(QObject* watched, QEvent* event) override;
 
@@ -104,7 +102,9 @@ private:
     QPointer<PageBar> message_bar_;
     std::shared_ptr<Question> question_;
     Page page_;
-    QString speaker_; // host whose page spoke last
+    std::function<void()> go_;  // leaves the page, once its question is given up
+    bool asks_to_stay_ = false; // the open question is whether the page may be left
+    QString speaker_;           // host whose page spoke last
     int spoken_ = 0;
     int spoken_in_vain_ = 0; // since it is being left
     bool silenced_ = false;

@@ -94,7 +94,6 @@ private:
     std::unique_ptr<PageComforts> comforts_;
     std::optional<bool> back_announced_;
     bool blank_announced_ = false;
-    int asking_ = 0; // calls of the engine that wait for an answer
 };
 
 QtBrowser::Engine::Engine(QWidget& place, BrowserEvents& events, std::shared_ptr<EngineProfile> profile)
@@ -134,14 +133,11 @@ QtBrowser::Engine::~Engine() {
     calls_->abandon();
     delete menus_.data();
     page_->fall_silent();
-    const bool inside_engine = asking_ > 0 || comforts_->inside_engine();
     comforts_.reset();
     delete view_.data();
-    if (inside_engine) {
-        // The engine is inside a call of this page.
-        connect(page_.get(), &QObject::destroyed, page_.get(), [kept = profile_] {});
-        page_.release()->deleteLater();
-    }
+    // It may outlive the browser, by the call that the engine is inside of.
+    connect(page_.get(), &QObject::destroyed, page_.get(), [kept = profile_] {});
+    EnginePage::end(std::move(page_));
 }
 
 void QtBrowser::Engine::navigate(std::string_view typed) {
@@ -231,7 +227,6 @@ void QtBrowser::Engine::navigation_requested(const QUrl& url, bool redirect, boo
 QWebEnginePage* QtBrowser::Engine::window_wanted() {
     const QPointer<Engine> self(this);
     const std::shared_ptr<EngineProfile> kept = profile_;
-    ++asking_;
     const bool may_ask = kept->waits().wait_for_questions();
     if (!self)
         return nullptr;
@@ -239,7 +234,6 @@ QWebEnginePage* QtBrowser::Engine::window_wanted() {
     Browser* const browser = may_ask ? events_.NewWindow2() : nullptr;
     if (!self)
         return nullptr;
-    --asking_;
     auto* const chosen = dynamic_cast<QtBrowser*>(browser);
     if (chosen == nullptr || chosen->engine_->page_->profile() != page_->profile())
         return nullptr;
@@ -369,6 +363,8 @@ void QtBrowser::set_straggler_time(std::chrono::milliseconds time) {
 void QtBrowser::set_answer_time(std::chrono::milliseconds time) { engine_->calls().set_answer_time(time); }
 
 void QtBrowser::set_page_deadline(std::chrono::milliseconds time) { engine_->comforts().set_deadline(time); }
+
+bool QtBrowser::deadline_runs() const { return engine_->comforts().deadline_runs(); }
 
 void QtBrowser::set_hang_time(std::chrono::milliseconds time) { engine_->comforts().set_patience(time); }
 

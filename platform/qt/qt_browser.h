@@ -44,7 +44,9 @@ public:
     void set_straggler_time(std::chrono::milliseconds time); // of documents that begin from now on
     void set_answer_time(std::chrono::milliseconds time);
     void set_page_deadline(std::chrono::milliseconds time); // see PageDeadline; of visits from now on
-    void set_hang_time(std::chrono::milliseconds time);     // until a page is said not to answer
+    // Whether the time of the page is counted: it is on its way, or has not stayed long enough yet.
+    [[nodiscard]] bool deadline_runs() const;
+    void set_hang_time(std::chrono::milliseconds time); // until a page is said not to answer
 
     // A word of the program's own above the page, until it is read. Plain text.
     void tell(const std::string& heading, const std::string& text);

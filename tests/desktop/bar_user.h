@@ -32,16 +32,16 @@ public:
         qApp->installEventFilter(this);
         // A question that the test does not answer keeps its page, and the test, waiting.
         giving_up_.callOnTimeout([this] {
-            bool any = false;
+            std::string left;
             for (QWidget* widget : QApplication::allWidgets()) {
                 auto* const frame = qobject_cast<QFrame*>(widget);
                 if (frame == nullptr || dynamic_cast<PageBar*>(frame) == nullptr || frame->isHidden())
                     continue;
-                any = true;
+                left += " " + frame->objectName().toStdString();
                 frame->findChildren<QPushButton*>().last()->click();
             }
-            if (any)
-                ADD_FAILURE() << "a bar was left unanswered";
+            if (!left.empty())
+                ADD_FAILURE() << "left unanswered:" << left;
         });
         giving_up_.start(std::chrono::seconds(20));
     }

@@ -49,6 +49,8 @@ TEST_F(OutsideTest, a_mail_link_is_asked_about_and_opened_when_the_user_agrees) 
     PageBar* const asked = wait_for_bar("OutsideLink");
     ASSERT_NE(asked, nullptr);
     EXPECT_EQ(BarUser::text(*asked), "mailto:editor@example.com?subject=x");
+    EXPECT_EQ(BarUser::text(*asked, "Heading"),
+              "127.0.0.1:" + std::to_string(server_.port()) + " wants to open another program:");
     EXPECT_THAT(mail_.opened, IsEmpty());
     BarUser::press(*asked, "Open");
     EXPECT_THAT(mail_.opened, ElementsAre("mailto:editor@example.com?subject=x"));
@@ -74,6 +76,36 @@ TEST_F(OutsideTest, a_frame_that_wants_another_program_is_asked_about_too) {
     server_.page("/frame", "<script>location = 'x-tool:frame'</script>");
     open_page("<iframe src=/frame></iframe>");
     EXPECT_NE(wait_for_bar("OutsideLink"), nullptr);
+}
+
+TEST_F(OutsideTest, the_next_page_may_ask_again_but_a_page_that_loads_itself_anew_may_not) {
+    server_.page("/page", "<a href='x-tool:run'>tool</a><a href='javascript:location.reload()'>again</a>");
+    PageDocument page = open(server_.url("/page"));
+    for (int i = 0; i < 2; ++i) {
+        click_link(page);
+        PageBar* const asked = wait_for_bar("OutsideLink");
+        ASSERT_NE(asked, nullptr);
+        BarUser::press(*asked, "Do not open");
+    }
+    click_link(page, 1);
+    ASSERT_TRUE(wait_for("complete " + server_.url("/page"), 2));
+    page = probe_.last();
+    click_link(page);
+    image_of(page);
+    EXPECT_EQ(bar("OutsideLink"), nullptr);
+    page = open(server_.url("/page"));
+    click_link(page);
+    EXPECT_NE(wait_for_bar("OutsideLink"), nullptr);
+    let_everything_happen();
+    EXPECT_EQ(bar("OutsideLink"), nullptr) << "the question goes with its page";
+}
+
+TEST_F(OutsideTest, a_page_that_wants_many_programs_at_once_is_asked_about_once) {
+    open_page("<script>for (let i = 0; i < 5; ++i) { const frame = document.createElement('iframe'); "
+              "frame.src = 'x-tool:' + i; document.documentElement.append(frame) }</script>");
+    ASSERT_NE(wait_for_bar("OutsideLink"), nullptr);
+    let_everything_happen();
+    EXPECT_EQ(user_.seen().size(), 1U);
 }
 
 TEST_F(OutsideTest, files_scripts_and_the_engines_own_pages_never_lead_outside) {
@@ -129,10 +161,34 @@ TEST_F(OutsideTest, a_bad_certificate_is_refused_and_said_in_plain_words) {
     EXPECT_EQ(server.requests(), 0);
 }
 
-TEST_F(OutsideTest, a_picture_with_a_bad_certificate_is_left_out_in_silence) {
+TEST_F(OutsideTest, a_picture_and_a_frame_with_a_bad_certificate_are_left_out_in_silence) {
     TlsServer server;
-    open_page("<a href=/x>page</a><img src='" + server.url() + "'>");
+    const PageDocument page =
+        open_page("<input><script>const say = text => document.querySelector('input').value += text</script>"
+                  "<a href=/x>page</a><img onload=\"say('seen')\" onerror=\"say('no picture')\" src='" +
+                  server.url() + "picture'><iframe src='" + server.url() + "frame'></iframe>");
+    EXPECT_TRUE(wait_until([&] { return said(page) == "no picture"; })) << said(page);
+    EXPECT_TRUE(wait_until([&] { return server.connections() >= 2; })) << "both were tried";
+    EXPECT_THAT(link_texts(image_of(page)), ElementsAre("page")) << "the page works without them";
     EXPECT_EQ(bar("CertificateError"), nullptr);
+    EXPECT_EQ(server.requests(), 0);
+}
+
+TEST_F(OutsideTest, a_link_a_redirect_and_a_form_that_lead_to_a_bad_certificate_are_refused_too) {
+    TlsServer server;
+    server_.redirect("/redirect", server.url());
+    const PageDocument page =
+        open_page("<a href='" + server.url() + "'>link</a><a href=/redirect>redirect</a><form action='" +
+                  server.url() + "' method=post><input name=n value=secret><button>send</button></form>");
+    browser_->apply({{PageEdit::Kind::click, page.links.at(0).ref}});
+    ASSERT_NE(wait_for_bar("CertificateError"), nullptr);
+    const PageDocument again = open(server_.url("/page"));
+    ASSERT_EQ(bar("CertificateError"), nullptr);
+    browser_->apply({{PageEdit::Kind::click, again.links.at(1).ref}});
+    ASSERT_NE(wait_for_bar("CertificateError"), nullptr);
+    const PageDocument once_more = open(server_.url("/page"));
+    browser_->apply({{PageEdit::Kind::click, once_more.forms.at(0).elements.at(1).ref}});
+    ASSERT_NE(wait_for_bar("CertificateError"), nullptr);
     EXPECT_EQ(server.requests(), 0);
 }
 

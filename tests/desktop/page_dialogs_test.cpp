@@ -1,11 +1,8 @@
 #include "platform/qt/engine_waits.h"
 #include "tests/desktop/comforts_fixture.h"
-#include "tests/desktop/dialog_user.h"
 #include "tests/desktop/painted.h"
 
-#include <QFile>
-#include <QFileDialog>
-#include <QTemporaryDir>
+#include <QDialog>
 #include <QTest>
 #include <QWebEngineView>
 
@@ -156,37 +153,82 @@ TEST_F(PageDialogsTest, a_browser_that_ends_while_its_page_asks_ends_in_peace) {
     let_everything_happen();
 }
 
-TEST_F(PageDialogsTest, a_sign_in_is_asked_for_and_its_answer_reaches_the_server) {
-    server_.answer_by("/private", [](const SiteServer::Request& request) -> SiteServer::Answer {
-        // "me:secret"
-        const bool known = request.headers.contains("Authorization") &&
-                           request.headers.at("Authorization") == "Basic bWU6c2VjcmV0";
-        if (known)
-            return {"<a href=/x>inside</a>"};
-        return {"no entry", 401, "text/html", {{"WWW-Authenticate", "Basic realm=\"Authors' area\""}}};
-    });
+class SignInTest : public PageDialogsTest {
+protected:
+    // Lets in who is "me" with the password "secret"; shows others a link "no entry".
+    SignInTest() {
+        server_.answer_by("/private", [](const SiteServer::Request& request) -> SiteServer::Answer {
+            const bool known = request.headers.contains("Authorization") &&
+                               request.headers.at("Authorization") == "Basic bWU6c2VjcmV0";
+            if (known)
+                return {"<a href=/x>inside</a>"};
+            return {"<a href=/x>no entry</a>",
+                    401,
+                    "text/html",
+                    {{"WWW-Authenticate", "Basic realm=\"Authors' area\""}}};
+        });
+    }
+    static void sign_in(const PageBar& shown, const std::string& password) {
+        BarUser::type(shown, "User", "me");
+        BarUser::type(shown, "Password", password);
+        BarUser::press(shown, "Sign in");
+    }
+    void expect_sign_in(const std::string& password) {
+        user_.expect("SignIn", [password](PageBar& shown) { sign_in(shown, password); });
+    }
+};
+
+TEST_F(SignInTest, a_sign_in_is_asked_for_and_its_answer_reaches_the_server) {
     user_.expect("SignIn", [&](PageBar& shown) {
         EXPECT_EQ(BarUser::text(shown, "Heading"), host() + " asks you to sign in:");
-        EXPECT_THAT(BarUser::text(shown), HasSubstr("Authors' area"));
+        EXPECT_EQ(BarUser::text(shown), "Authors' area\nWhat you enter can be read on its way there.");
         EXPECT_EQ(shown.findChild<QLineEdit*>("Password")->echoMode(), QLineEdit::Password);
-        BarUser::type(shown, "User", "me");
-        BarUser::type(shown, "Password", "wrong");
-        BarUser::press(shown, "Sign in");
-    });
-    user_.expect("SignIn", [](PageBar& shown) {
-        BarUser::type(shown, "User", "me");
-        BarUser::type(shown, "Password", "secret");
-        BarUser::press(shown, "Sign in");
+        sign_in(shown, "secret");
     });
     EXPECT_THAT(link_texts(open(server_.url("/private"))), ElementsAre("inside"));
+    EXPECT_EQ(server_.count_of("/private"), 2);
     EXPECT_TRUE(user_.done());
 }
 
-TEST_F(PageDialogsTest, a_refused_sign_in_shows_what_the_server_says) {
-    server_.answer("/private",
-                   {"<a href=/x>no entry</a>", 401, "text/html", {{"WWW-Authenticate", "Basic realm=x"}}});
+TEST_F(SignInTest, a_wrong_sign_in_is_asked_for_again_as_often_as_it_is_wrong) {
+    expect_sign_in("wrong");
+    expect_sign_in("wrong again");
+    expect_sign_in("secret");
+    EXPECT_THAT(link_texts(open(server_.url("/private"))), ElementsAre("inside"));
+    EXPECT_EQ(server_.count_of("/private"), 4);
+    EXPECT_TRUE(user_.done());
+}
+
+TEST_F(SignInTest, a_sign_in_wrong_twice_and_then_cancelled_shows_what_the_server_says) {
+    expect_sign_in("wrong");
+    expect_sign_in("wrong again");
     user_.expect_press("SignIn", "Cancel");
     EXPECT_THAT(link_texts(open(server_.url("/private"))), ElementsAre("no entry"));
+    EXPECT_EQ(server_.count_of("/private"), 3) << "cancelling sends nothing";
+    EXPECT_EQ(bar("SignIn"), nullptr);
+}
+
+TEST_F(SignInTest, a_refused_sign_in_shows_what_the_server_says_and_is_asked_for_again_the_next_time) {
+    user_.expect_press("SignIn", "Cancel");
+    EXPECT_THAT(link_texts(open(server_.url("/private"))), ElementsAre("no entry"));
+    EXPECT_EQ(server_.count_of("/private"), 1);
+    let_everything_happen();
+    expect_sign_in("secret");
+    EXPECT_THAT(link_texts(open(server_.url("/private"))), ElementsAre("inside"));
+}
+
+TEST_F(SignInTest, leaving_the_page_gives_its_sign_in_up) {
+    user_.expect("SignIn", [&](PageBar&) { browser_->Navigate(server_.url("/end-of-test")); });
+    browser_->Navigate(server_.url("/private"));
+    EXPECT_TRUE(wait_for("complete " + server_.url("/end-of-test")));
+    EXPECT_EQ(bar("SignIn"), nullptr);
+    EXPECT_EQ(server_.count_of("/private"), 1);
+}
+
+TEST_F(SignInTest, a_sign_in_of_a_window_that_cannot_be_seen_is_refused_at_once) {
+    place_.hide();
+    EXPECT_THAT(link_texts(open(server_.url("/private"))), ElementsAre("no entry"));
+    EXPECT_THAT(user_.seen(), IsEmpty());
 }
 
 class LeavePage : public PageDialogsTest {
@@ -221,6 +263,78 @@ TEST_F(LeavePage, a_page_that_would_not_be_left_does_not_keep_the_program) {
     EXPECT_THAT(user_.seen(), IsEmpty());
 }
 
+TEST_F(LeavePage, the_question_whether_it_is_left_does_not_keep_the_program_either) {
+    server_.page("/next", "next");
+    user_.expect("PageLeave", [&](PageBar&) { browser_->Navigate(server_.url("/next")); });
+    click_link(stubborn_page());
+    EXPECT_TRUE(wait_for("complete " + server_.url("/next")));
+    EXPECT_EQ(bar("PageLeave"), nullptr);
+    EXPECT_THAT(user_.seen(), ElementsAre("PageLeave"));
+    EXPECT_EQ(server_.count_of("/end-of-test"), 0) << "where the page was going it did not go";
+}
+
+TEST_F(LeavePage, reload_and_back_ask_nothing_either) {
+    open(server_.url("/end-of-test"));
+    stubborn_page();
+    browser_->Reload();
+    ASSERT_TRUE(wait_for("complete " + server_.url("/page"), 2));
+    ASSERT_TRUE(wait_until_painted(browser_->view()));
+    QTest::mouseClick(browser_->view().focusProxy(), Qt::LeftButton, {}, QPoint(50, 50));
+    ASSERT_TRUE(wait_until([&] { return said(probe_.last()) == "clicked"; }));
+    browser_->GoBack();
+    EXPECT_TRUE(wait_for("complete " + server_.url("/end-of-test"), 2));
+    EXPECT_THAT(user_.seen(), IsEmpty());
+}
+
+TEST_F(LeavePage, a_page_that_was_to_be_left_and_is_not_may_ask_again) {
+    server_.answer("/nothing", {"", 204});
+    const PageDocument page = stubborn_page();
+    browser_->Navigate(server_.url("/nothing"));
+    ASSERT_TRUE(wait_until(
+        [&] { return server_.count_of("/nothing") == 1 && !browser_->view().page()->isLoading(); }));
+    user_.expect_press("PageLeave", "Leave");
+    click_link(page);
+    EXPECT_TRUE(wait_for("complete " + server_.url("/end-of-test")));
+    EXPECT_TRUE(user_.done());
+}
+
+TEST_F(LeavePage, a_silenced_page_is_left_without_a_word) {
+    const PageDocument page = stubborn_page();
+    browser_->view().page()->runJavaScript("alert(1); alert(2)");
+    PageBar* const told = wait_for_bar("PageAlert");
+    ASSERT_NE(told, nullptr);
+    ASSERT_TRUE(wait_until([&] { return told->findChild<QCheckBox*>("Silence") != nullptr; }));
+    told->findChild<QCheckBox*>("Silence")->setChecked(true);
+    BarUser::press(*told, "OK");
+    click_link(page);
+    EXPECT_TRUE(wait_for("complete " + server_.url("/end-of-test")));
+    EXPECT_THAT(user_.seen(), ElementsAre("PageAlert"));
+}
+
+TEST_F(PageDialogsTest, a_silenced_page_gets_no_answer_but_cancel) {
+    user_.expect_press("PageConfirm", "OK");
+    user_.expect("PagePrompt", [](PageBar& shown) {
+        shown.findChild<QCheckBox*>("Silence")->setChecked(true);
+        BarUser::press(shown, "OK");
+    });
+    const PageDocument page =
+        open_page("<input><script>document.querySelector('input').value = [confirm('1'), "
+                  "prompt('2', 'given'), confirm('3'), prompt('4', 'kept')].join()"
+                  "</script>");
+    EXPECT_EQ(said(page), "true,given,false,");
+    EXPECT_THAT(user_.seen(), ElementsAre("PageConfirm", "PagePrompt"));
+}
+
+TEST_F(PageDialogsTest, a_page_of_a_site_just_come_to_is_not_silenced_by_the_words_of_the_one_before) {
+    server_.page("/next", "<script>alert('one')</script>");
+    open_page("<script>alert(1); alert(2)</script>");
+    open(server_.url("/next"));
+    PageBar* const told = wait_for_bar("PageAlert");
+    ASSERT_NE(told, nullptr);
+    EXPECT_EQ(BarUser::text(*told), "one") << "what the page before said is gone with it";
+    EXPECT_EQ(told->findChild<QCheckBox*>("Silence"), nullptr) << "its first word";
+}
+
 TEST_F(PageDialogsTest, words_of_a_page_are_shown_plain_and_cut) {
     open_page("<script>alert('a\\x07b\\u202Ec\\n' + 'line\\n'.repeat(100))</script>");
     PageBar* const shown = wait_for_bar("PageAlert");
@@ -228,42 +342,6 @@ TEST_F(PageDialogsTest, words_of_a_page_are_shown_plain_and_cut) {
     EXPECT_THAT(BarUser::text(*shown), HasSubstr("a b c\n"));
     EXPECT_LE(QString::fromStdString(BarUser::text(*shown)).count(u'\n'), 12);
     EXPECT_LT(shown->height(), place_.height());
-}
-
-class FileUpload : public PageDialogsTest {
-protected:
-    // A press of the mouse on the field: the engine opens a file dialog for nothing else.
-    void press_field(const PageDocument& page) {
-        image_of(page);
-        EXPECT_TRUE(wait_until_painted(browser_->view()));
-        QWidget* const page_widget = browser_->view().focusProxy();
-        QTest::mouseClick(page_widget, Qt::LeftButton, {}, QPoint(60, 20));
-    }
-};
-
-TEST_F(FileUpload, an_upload_field_opens_the_file_dialog_and_takes_the_chosen_file) {
-    QTemporaryDir folder;
-    const QString path = folder.filePath("icon.png");
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write("icon");
-    file.close();
-    testing_desktop::DialogUser dialogs;
-    dialogs.expect("UploadFileDialog", [&](QDialog& dialog) {
-        auto& chooser = dynamic_cast<QFileDialog&>(dialog);
-        EXPECT_THAT(chooser.nameFilters().first().toStdString(), HasSubstr("*.png"));
-        chooser.setDirectory(folder.path());
-        chooser.selectFile(path);
-        QMetaObject::invokeMethod(&chooser, "accept");
-    });
-    const PageDocument page = open_page(
-        "<body style='margin:0'><input type=file accept=.png style='display:block;width:300px;height:50px' "
-        "onchange=\"document.querySelector('#said').value = this.files[0].name\">"
-        "<input id=said>words");
-    press_field(page);
-    // Not by looking at the page again and again: while the program waits for a page, pages ask nothing.
-    EXPECT_TRUE(wait_until([&] { return dialogs.done(); }));
-    EXPECT_TRUE(wait_until([&] { return image_of(page).inputs.at(1).value == "icon.png"; }));
 }
 
 } // namespace

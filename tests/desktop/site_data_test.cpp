@@ -6,6 +6,7 @@
 
 #include <QCoreApplication>
 #include <QProcess>
+#include <QWebEnginePage>
 #include <QWebEngineProfile>
 
 #include <gmock/gmock.h>
@@ -83,6 +84,8 @@ TEST_F(SiteDataTest, forgetting_takes_cookies_at_once_and_the_rest_with_the_next
     visit();
     EXPECT_EQ(cookies(), "-;signed=in;-;signed=in;") << "what came after the forgetting stays";
     EXPECT_THAT(stores(), testing::EndsWith(";undefined;"));
+    visit();
+    EXPECT_THAT(stores(), testing::EndsWith(";undefined;yes;")) << "it is forgotten once";
 }
 
 TEST_F(SiteDataTest, the_cache_goes_with_the_start_after_the_forgetting) {
@@ -130,6 +133,19 @@ TEST_F(SiteDataTest, the_folder_is_the_users_alone_and_the_cache_has_a_limit) {
     EXPECT_EQ(fs::status(folder() / "site data").permissions(), fs::perms::owner_all);
     EXPECT_EQ(profile.engine().httpCacheMaximumSize(), 256 * 1024 * 1024);
     EXPECT_EQ(profile.engine().httpCacheType(), QWebEngineProfile::DiskHttpCache);
+    EXPECT_EQ(profile.engine().cachePath().toStdString(), folder() / "site data" / "cache");
+    for (const char* part : {"storage", "cache", "downloads"})
+        EXPECT_EQ(fs::status(folder() / "site data" / part).permissions(), fs::perms::owner_all) << part;
+}
+
+TEST_F(SiteDataTest, forgetting_takes_the_links_that_were_visited) {
+    EngineProfile profile(folder());
+    const auto page = std::make_unique<QWebEnginePage>(&profile.engine());
+    const QUrl url(QString::fromStdString(server_.url("/area")));
+    page->setUrl(url);
+    ASSERT_TRUE(wait_until([&] { return profile.engine().visitedLinksContainsUrl(url); }));
+    profile.forget_sites();
+    EXPECT_FALSE(profile.engine().visitedLinksContainsUrl(url));
 }
 
 TEST_F(SiteDataTest, a_folder_that_cannot_be_made_only_keeps_nothing) {

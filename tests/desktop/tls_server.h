@@ -19,6 +19,8 @@ public:
         configuration.setLocalCertificate(QSslCertificate(certificate()));
         configuration.setPrivateKey(QSslKey(key(), QSsl::Ec));
         server_.setSslConfiguration(configuration);
+        QObject::connect(&server_, &QSslServer::startedEncryptionHandshake, &server_,
+                         [this] { ++connections_; });
         QObject::connect(&server_, &QSslServer::pendingConnectionAvailable, &server_, [this] {
             while (QTcpSocket* const socket = server_.nextPendingConnection()) {
                 QObject::connect(socket, &QTcpSocket::readyRead, socket, [this, socket] {
@@ -35,6 +37,7 @@ public:
         return "https://127.0.0.1:" + std::to_string(server_.serverPort()) + "/";
     }
     [[nodiscard]] int requests() const { return requests_; }
+    [[nodiscard]] int connections() const { return connections_; } // that were tried
 
 private:
     // Made for this test alone; worth nothing anywhere.
@@ -63,6 +66,7 @@ F0hXpysFkUXpICVbVz+pBmd8bpparFNjvkpvFE2Q
 
     QSslServer server_;
     int requests_ = 0;
+    int connections_ = 0;
 };
 
 } // namespace kestrune
