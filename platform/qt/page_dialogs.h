@@ -61,7 +61,7 @@ public:
     // whoever comes next may speak again. A page that asks whether it may be left is not heard until
     // `arrived`. True when nothing is to be asked for before the engine has heard that its own question,
     // whether the page may be left, is given up: `go` is called then, soon.
-    [[nodiscard]] bool leaving(std::function<void()> go);
+    bool leaving(std::function<void()> go = {});
     void stayed() { leaving_ = false; }
     void arrived() {
         leaving_ = false;

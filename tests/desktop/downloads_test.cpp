@@ -199,6 +199,7 @@ TEST_F(DownloadsTest, a_file_dialog_that_is_cancelled_leaves_the_offer_standing)
     BarUser::press(*offered, "Save...");
     EXPECT_TRUE(dialogs_.done());
     EXPECT_EQ(bar("Download"), offered);
+    EXPECT_TRUE(wait_until([&] { return offered->takes_presses(); }));
     choose_place("mine.zip");
     BarUser::press(*offered, "Save...");
     EXPECT_NE(wait_for_bar("DownloadEnd"), nullptr);

@@ -168,7 +168,7 @@ protected:
                     {{"WWW-Authenticate", "Basic realm=\"Authors' area\""}}};
         });
     }
-    static void sign_in(const PageBar& shown, const std::string& password) {
+    static void sign_in(PageBar& shown, const std::string& password) {
         BarUser::type(shown, "User", "me");
         BarUser::type(shown, "Password", password);
         BarUser::press(shown, "Sign in");
