@@ -88,8 +88,14 @@ TEST_F(PageDeadlineTest, a_page_that_reloads_itself_again_and_again_is_stopped) 
 }
 
 TEST_F(PageDeadlineTest, a_page_stopped_for_reloading_again_and_again_follows_its_user) {
-    server_.page("/loop", "<body style='margin:0'><a href=/wanted style='display:block;height:200px'>wanted"
-                          "</a><script>onload = () => setTimeout(() => location.reload(), 20)</script>");
+    // It stays where it is and goes on trying, until it is pressed.
+    server_.answer_by("/loop", [first = true](const SiteServer::Request&) mutable -> SiteServer::Answer {
+        if (!std::exchange(first, false))
+            return {"", 204};
+        return {"<body style='margin:0'><a href=/wanted style='display:block;height:200px'>wanted</a>"
+                "<script>onload = () => { const tries = setInterval(() => location.reload(), 50);"
+                "onmousedown = () => clearInterval(tries) }</script>"};
+    });
     server_.page("/wanted", "wanted");
     browser_->Navigate(server_.url("/loop"));
     ASSERT_NE(wait_for_bar("PageLate"), nullptr);
