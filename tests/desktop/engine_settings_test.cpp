@@ -1,11 +1,9 @@
 #include "tests/desktop/comforts_fixture.h"
-#include "tests/desktop/dialog_user.h"
 #include "tests/desktop/painted.h"
 #include "tests/temporary_folder.h"
 
 #include <QApplication>
 #include <QClipboard>
-#include <QFileDialog>
 #include <QTest>
 #include <QWebEngineProfile>
 #include <QWebEngineSettings>
@@ -126,23 +124,6 @@ TEST_F(EngineSettings, a_page_becomes_no_program_for_a_kind_of_link) {
     click_link(open_page("<a href='web+tool:x'>tool</a>"));
     EXPECT_NE(wait_for_bar("OutsideLink"), nullptr);
     EXPECT_EQ(server_.count_of("/taken"), 0);
-}
-
-TEST_F(EngineSettings, a_page_writes_into_no_file_that_its_user_chose_for_it) {
-    const TemporaryFolder folder;
-    write_bytes(folder.file("mine.txt"), "mine");
-    testing_desktop::DialogUser dialogs;
-    dialogs.expect("UploadFileDialog", [&](QDialog& dialog) {
-        auto& chooser = dynamic_cast<QFileDialog&>(dialog);
-        chooser.setDirectory(QString::fromStdString(folder.path()));
-        chooser.selectFile("mine.txt");
-        QMetaObject::invokeMethod(&chooser, "accept");
-    });
-    EXPECT_NE(after_click("showOpenFilePicker().then(([file]) => file.createWritable())"
-                          ".then(() => say('may write'), error => say(error.name))"),
-              "may write");
-    EXPECT_TRUE(dialogs.done());
-    EXPECT_EQ(bytes_of(folder.file("mine.txt")), "mine");
 }
 
 } // namespace
