@@ -96,7 +96,8 @@ private:
     EngineBridge bridge_;
     QWebChannel channel_;
     std::unique_ptr<QWebEngineUrlRequestInterceptor> interceptor_;
-    // What the page script seals its messages with from a frame to the top frame, and back. Of this page alone.
+    // What the page script seals its messages with from a frame to the top frame, and back. Of this page
+    // alone.
     QString frame_key_;
     QString top_key_;
     QString script_;
