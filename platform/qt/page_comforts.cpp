@@ -89,7 +89,9 @@ PageComforts::PageComforts(QWidget& place, QWebEngineView& view, QWebEnginePage&
         // A process that dies under a load ends that first.
         if (succeeded)
             parts_->health.stayed();
-        parts_->dialogs.stayed();
+        // While a page is left its own load ends; it must not ask anew for that.
+        if (!left_)
+            parts_->dialogs.stayed();
     });
     connect(&page, &QWebEnginePage::renderProcessTerminated, this,
             [this](QWebEnginePage::RenderProcessTerminationStatus status) {
