@@ -123,6 +123,8 @@ QLineEdit& PageBar::add_field(const QString& label, const QString& name) {
         caption.setForegroundRole(QPalette::ToolTipText);
         field.setAccessibleName(label);
         line->addWidget(&caption);
+        captions_.push_back(&caption);
+        line_up_captions();
     }
     line->addWidget(&field, 1);
     rows_->insertLayout(rows_->indexOf(button_row_), line.release());
@@ -130,6 +132,15 @@ QLineEdit& PageBar::add_field(const QString& label, const QString& name) {
     fields_.push_back(&field);
     put_in_order(field);
     return field;
+}
+
+// The fields begin in one column, whatever stands before them.
+void PageBar::line_up_captions() {
+    int widest = 0;
+    for (const QLabel* caption : captions_)
+        widest = std::max(widest, caption->sizeHint().width());
+    for (QLabel* caption : captions_)
+        caption->setMinimumWidth(widest);
 }
 
 QCheckBox& PageBar::add_check(const QString& caption, const QString& name) {
@@ -155,7 +166,7 @@ QPushButton& PageBar::add_button(const QString& caption, std::function<void()> p
     auto& button = child_of<QPushButton>(*button_row_);
     button.setText(caption);
     button.setObjectName(caption);
-    button.setMinimumHeight(26);
+    button.setMinimumSize(button.sizeHint().width() + 12, 26);
     button.setAutoDefault(false);
     button_row_->layout()->addWidget(&button);
     // A copy: the bar, and with it this connection, may go while the call runs.

@@ -10,6 +10,7 @@
 #include <vector>
 
 class QCheckBox;
+class QLabel;
 class QLineEdit;
 class QProgressBar;
 class QPushButton;
@@ -69,6 +70,7 @@ protected:
     void keyPressEvent(QKeyEvent* event) override;
 
 private:
+    void line_up_captions();
     void put_in_order(QWidget& part);
 
     WrappedLabel* heading_; // this and the following are descendants
@@ -76,6 +78,7 @@ private:
     WrappedLabel* text_;
     QVBoxLayout* rows_;
     QWidget* button_row_;
+    std::vector<QLabel*> captions_; // of the fields
     std::vector<QLineEdit*> fields_;
     std::vector<QPushButton*> buttons_;
     QPointer<QWidget> last_in_order_;

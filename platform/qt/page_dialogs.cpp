@@ -232,7 +232,7 @@ PageBar& PageDialogs::add_bar(const QString& name, const QString& heading, const
 
 void PageDialogs::add_silencer(PageBar& bar) {
     QCheckBox& silencer =
-        bar.add_check(QStringLiteral("Show nothing more of this page"), QStringLiteral("Silence"));
+        bar.add_check(QStringLiteral("Let this page ask and say nothing more"), QStringLiteral("Silence"));
     connect(&silencer, &QCheckBox::toggled, this, [this, host = speaker_](bool on) {
         if (host == speaker_)
             silenced_ = on;
