@@ -118,6 +118,8 @@ TEST_F(PopupNames, NameOfABlockedWindowLoadsNothingTheSecondTimeEither) {
     server().page("/page", "<script>onload = () => { open('/popup', 'w'); "
                            "open('/popup', 'w'); fetch('/done') }</script>");
     window().browser().Navigate(url("/page"));
+    // The engine puts the question when the page may have gone on already.
+    wait("the block", [this] { return user().status(2) == "1 Pop-up is blocked"; });
     wait("the page to be done", [this] { return server().count_of("/done") == 1; });
     open_address(url("/plain"));
     EXPECT_EQ(count(), 1U);
